@@ -1,0 +1,217 @@
+#pragma once
+
+#include "DecodingError.h"
+#include "Indirect.h"
+#include "JSONValue.h"
+#include "Wire.h"
+#include "WireValues.h"
+
+#include <QJsonArray>
+#include <QJsonObject>
+#include <QJsonValue>
+#include <QList>
+
+#include <concepts>
+#include <optional>
+
+// How each wire type reads from and writes to a parsed, unwired answer.
+// Generated records implement
+//   static Record decode(const QJsonValue&, Kestro::CodingPath&);
+//   QJsonValue encode() const;
+// with field() and optionalField() below, and Codec<Record> picks them up.
+namespace Kestro {
+
+template <typename T>
+struct Codec;
+
+template <typename T>
+concept Record = requires(const QJsonValue& json, CodingPath& path, const T& record) {
+    { T::decode(json, path) } -> std::same_as<T>;
+    { record.encode() } -> std::same_as<QJsonValue>;
+};
+
+template <Record T>
+struct Codec<T> {
+    static T decode(const QJsonValue& json, CodingPath& path) { return T::decode(json, path); }
+    static QJsonValue encode(const T& value) { return value.encode(); }
+};
+
+template <>
+struct Codec<double> {
+    static double decode(const QJsonValue& json, CodingPath& path)
+    {
+        if (json.isDouble())
+            return json.toDouble();
+        if (json.isNull())
+            throw DecodingError::valueNotFound(path, TypeName::Double);
+        throw DecodingError::typeMismatch(path, TypeName::Double);
+    }
+    static QJsonValue encode(double value) { return value; }
+};
+
+template <>
+struct Codec<bool> {
+    static bool decode(const QJsonValue& json, CodingPath& path)
+    {
+        if (json.isBool())
+            return json.toBool();
+        if (json.isNull())
+            throw DecodingError::valueNotFound(path, TypeName::Bool);
+        throw DecodingError::typeMismatch(path, TypeName::Bool);
+    }
+    static QJsonValue encode(bool value) { return value; }
+};
+
+template <>
+struct Codec<QString> {
+    static QString decode(const QJsonValue& json, CodingPath& path)
+    {
+        if (json.isString())
+            return json.toString();
+        if (json.isNull())
+            throw DecodingError::valueNotFound(path, TypeName::String);
+        throw DecodingError::typeMismatch(path, TypeName::String);
+    }
+    static QJsonValue encode(const QString& value) { return value; }
+};
+
+template <>
+struct Codec<JSONValue> {
+    // Every well-formed JSON value is one of the cases, null included.
+    static JSONValue decode(const QJsonValue& json, CodingPath&) { return JSONValue::fromQJsonValue(json); }
+    static QJsonValue encode(const JSONValue& value) { return value.toQJsonValue(); }
+};
+
+template <>
+struct Codec<WireDate> {
+    static WireDate decode(const QJsonValue& json, CodingPath& path);
+    static QJsonValue encode(const WireDate& value) { return Wire::writeDate(value); }
+};
+
+template <>
+struct Codec<WireFile> {
+    static WireFile decode(const QJsonValue& json, CodingPath& path);
+    static QJsonValue encode(const WireFile& value);
+};
+
+template <>
+struct Codec<WireForm> {
+    static WireForm decode(const QJsonValue& json, CodingPath& path);
+    static QJsonValue encode(const WireForm& value);
+};
+
+template <typename T>
+struct Codec<QList<T>> {
+    static QList<T> decode(const QJsonValue& json, CodingPath& path)
+    {
+        if (!json.isArray()) {
+            if (json.isNull())
+                throw DecodingError::valueNotFound(path, TypeName::Array);
+            throw DecodingError::typeMismatch(path, TypeName::Array);
+        }
+        const QJsonArray items = json.toArray();
+        QList<T> out;
+        out.reserve(items.size());
+        for (qsizetype i = 0, n = items.size(); i < n; ++i) {
+            path.pushIndex(i);
+            out.append(Codec<T>::decode(items.at(i), path));
+            path.pop();
+        }
+        return out;
+    }
+    static QJsonValue encode(const QList<T>& values)
+    {
+        QJsonArray out;
+        for (const T& value : values)
+            out.append(Codec<T>::encode(value));
+        return out;
+    }
+};
+
+template <typename T>
+struct Codec<std::optional<T>> {
+    // null reads as absent, like a member that is not there at all.
+    static std::optional<T> decode(const QJsonValue& json, CodingPath& path)
+    {
+        if (json.isNull() || json.isUndefined())
+            return std::nullopt;
+        return Codec<T>::decode(json, path);
+    }
+    static QJsonValue encode(const std::optional<T>& value)
+    {
+        return value ? Codec<T>::encode(*value) : QJsonValue(QJsonValue::Null);
+    }
+};
+
+template <typename T>
+struct Codec<Indirect<T>> {
+    static Indirect<T> decode(const QJsonValue& json, CodingPath& path) { return Codec<T>::decode(json, path); }
+    static QJsonValue encode(const Indirect<T>& value) { return Codec<T>::encode(value.value()); }
+};
+
+// The object a record reads its members from.
+inline QJsonObject recordObject(const QJsonValue& json, CodingPath& path)
+{
+    if (json.isObject())
+        return json.toObject();
+    if (json.isNull())
+        throw DecodingError::valueNotFound(path, TypeName::Dictionary);
+    throw DecodingError::typeMismatch(path, TypeName::Dictionary);
+}
+
+// A member the record cannot do without: missing fails with "missing <path>".
+template <typename T>
+T field(const QJsonObject& object, QLatin1StringView key, CodingPath& path)
+{
+    path.pushKey(key);
+    const auto it = object.constFind(key);
+    if (it == object.constEnd())
+        throw DecodingError::keyNotFound(path);
+    T value = Codec<T>::decode(*it, path);
+    path.pop();
+    return value;
+}
+
+// A member the service may leave out or send as null.
+template <typename T>
+std::optional<T> optionalField(const QJsonObject& object, QLatin1StringView key, CodingPath& path)
+{
+    const auto it = object.constFind(key);
+    if (it == object.constEnd())
+        return std::nullopt;
+    path.pushKey(key);
+    std::optional<T> value = Codec<std::optional<T>>::decode(*it, path);
+    path.pop();
+    return value;
+}
+
+// Writes a member; an absent optional is left out rather than sent as null.
+template <typename T>
+void putField(QJsonObject& object, QLatin1StringView key, const T& value)
+{
+    object.insert(key, Codec<T>::encode(value));
+}
+
+template <typename T>
+void putField(QJsonObject& object, QLatin1StringView key, const std::optional<T>& value)
+{
+    if (value)
+        object.insert(key, Codec<T>::encode(*value));
+}
+
+// Decodes a whole value from the top, with an empty path.
+template <typename T>
+T decodeValue(const QJsonValue& json)
+{
+    CodingPath path;
+    return Codec<T>::decode(json, path);
+}
+
+// The shared encoder for any wire type.
+template <typename T>
+QByteArray encode(const T& value)
+{
+    return Wire::write(Codec<T>::encode(value));
+}
+
+} // namespace Kestro

@@ -1,0 +1,32 @@
+#include "ServiceError.h"
+
+namespace Kestro {
+
+const char* ServiceError::what() const noexcept
+{
+    m_what = description().toUtf8();
+    return m_what.constData();
+}
+
+QString TransportError::description() const
+{
+    switch (m_kind) {
+    case Kind::Unreachable:
+        return QStringLiteral("Kestro could not reach the service (%1). Check the connection and try again.")
+            .arg(m_detail);
+    case Kind::TimedOut:
+        return QStringLiteral("The service did not answer in time. Try again.");
+    case Kind::Dropped:
+        return QStringLiteral("The connection to the service dropped before the answer arrived. Try again.");
+    case Kind::Other:
+        break;
+    }
+    return QStringLiteral("The request to the service failed (%1). Try again.").arg(m_detail);
+}
+
+QString JsonSyntaxError::description() const
+{
+    return QStringLiteral("The service's answer is not JSON (%1).").arg(m_detail);
+}
+
+} // namespace Kestro
