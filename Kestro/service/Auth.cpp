@@ -23,7 +23,8 @@ namespace {
 
 QString urlSafeBase64(const QByteArray& bytes)
 {
-    return QString::fromLatin1(bytes.toBase64(QByteArray::Base64UrlEncoding | QByteArray::OmitTrailingEquals));
+    return QString::fromLatin1(
+        bytes.toBase64(QByteArray::Base64UrlEncoding | QByteArray::OmitTrailingEquals));
 }
 
 QByteArray secureRandomBytes(int count)
@@ -156,7 +157,9 @@ QCoro::Task<std::optional<QString>> Auth::accessToken()
     if (!m_tokens)
         co_return std::nullopt;
     if (now().secsTo(m_tokens->expiresAt) > refreshMarginSeconds)
-        co_return m_tokens->access;
+        // Copied explicitly: QCoro 0.8's co_return moves from an lvalue of
+        // another type, which would empty the token held here.
+        co_return std::optional<QString>(m_tokens->access);
     const std::optional<Tokens> fresh = co_await sharedRefresh();
     co_return fresh ? std::optional<QString>(fresh->access) : std::nullopt;
 }
@@ -315,7 +318,8 @@ QCoro::Task<> Auth::signOut()
         form[QStringLiteral("token")] = m_tokens->refresh;
         form[QStringLiteral("client_id")] = clientId;
         try {
-            co_await exchange(m_network.post(formRequest(QStringLiteral("api/oauth/revoke")), encodeForm(form)));
+            co_await exchange(
+                m_network.post(formRequest(QStringLiteral("api/oauth/revoke")), encodeForm(form)));
         } catch (const std::exception&) {
             // No network: the tokens are forgotten all the same.
         }

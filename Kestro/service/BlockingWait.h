@@ -11,8 +11,7 @@ namespace Kestro {
 // Runs an event loop until the task ends and returns its value or rethrows
 // its error. For command-line tools and tests only: the app never blocks.
 // (QCoro's own waitFor() loses a thrown error and never returns.)
-template <typename T>
-T blockingWait(QCoro::Task<T> task)
+template <typename T> T blockingWait(QCoro::Task<T> task)
 {
     QEventLoop loop;
     std::optional<T> value;

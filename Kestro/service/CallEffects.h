@@ -36,8 +36,7 @@ struct CallEffects {
 };
 
 // The answer envelope: the action's result under "value".
-template <typename T>
-struct Answer {
+template <typename T> struct Answer {
     T value;
     static Answer decode(const QJsonValue& json, CodingPath& path)
     {

@@ -32,7 +32,9 @@ public:
     }
 
 private:
-    CallError(Kind kind, int status, QString text) : m_kind(kind), m_status(status), m_text(std::move(text)) {}
+    CallError(Kind kind, int status, QString text) : m_kind(kind), m_status(status), m_text(std::move(text))
+    {
+    }
 
     Kind m_kind;
     int m_status;

@@ -34,7 +34,8 @@ QUrl Client::actionUrl(const QString& module, const QString& action) const
     return appendPath(m_origin, QStringLiteral("api/app/") + module + QLatin1Char('/') + action);
 }
 
-QNetworkRequest Client::actionRequest(const QString& module, const QString& action, const QString& token) const
+QNetworkRequest Client::actionRequest(const QString& module, const QString& action,
+                                      const QString& token) const
 {
     QNetworkRequest request(actionUrl(module, action));
     request.setTransferTimeout(60'000);
@@ -48,7 +49,8 @@ QNetworkRequest Client::actionRequest(const QString& module, const QString& acti
 
 QCoro::Task<QByteArray> Client::call(QString module, QString action, QList<JSONValue> args, bool retry)
 {
-    const QJsonValue answer = co_await callAnswer(std::move(module), std::move(action), std::move(args), retry);
+    const QJsonValue answer =
+        co_await callAnswer(std::move(module), std::move(action), std::move(args), retry);
     co_return Wire::write(answer);
 }
 

@@ -43,22 +43,23 @@ public:
 
     // The same call, handing back the parsed, unwired answer rather than its
     // bytes, so the typed layer decodes without writing and reading it again.
-    QCoro::Task<QJsonValue> callAnswer(QString module, QString action, QList<JSONValue> args, bool retry = true);
+    QCoro::Task<QJsonValue> callAnswer(QString module, QString action, QList<JSONValue> args,
+                                       bool retry = true);
 
     // A typed call: decodes the answer's "value" as T. A shape problem
     // becomes CallError::decode with "<module>/<action>: <where and what>".
-    template <typename T>
-    QCoro::Task<T> fetch(QString module, QString action, QList<JSONValue> args);
+    template <typename T> QCoro::Task<T> fetch(QString module, QString action, QList<JSONValue> args);
 
     // For tests: the preferred languages and the clock used for cookie ages.
     void setPreferredLanguages(QStringList languages) { m_languages = std::move(languages); }
     void setClock(std::function<QDateTime()> clock) { m_clock = std::move(clock); }
 
     QUrl actionUrl(const QString& module, const QString& action) const;
+    // Sets or deletes one cookie as an answer asks.
+    void applyCookie(const CallEffects::Cookie& cookie);
 
 private:
     QNetworkRequest actionRequest(const QString& module, const QString& action, const QString& token) const;
-    void applyCookie(const CallEffects::Cookie& cookie);
     void appSignOut();
 
     QUrl m_origin;
@@ -70,14 +71,14 @@ private:
     std::function<QDateTime()> m_clock;
 };
 
-template <typename T>
-QCoro::Task<T> Client::fetch(QString module, QString action, QList<JSONValue> args)
+template <typename T> QCoro::Task<T> Client::fetch(QString module, QString action, QList<JSONValue> args)
 {
     try {
         const QJsonValue answer = co_await callAnswer(module, action, std::move(args), true);
         co_return decodeValue<Answer<T>>(answer).value;
     } catch (const DecodingError& error) {
-        throw CallError::decode(module + QLatin1Char('/') + action + QLatin1String(": ") + error.description());
+        throw CallError::decode(module + QLatin1Char('/') + action + QLatin1String(": ") +
+                                error.description());
     }
 }
 

@@ -21,23 +21,25 @@
 // with field() and optionalField() below, and Codec<Record> picks them up.
 namespace Kestro {
 
-template <typename T>
-struct Codec;
+template <typename T> struct Codec;
 
 template <typename T>
-concept Record = requires(const QJsonValue& json, CodingPath& path, const T& record) {
-    { T::decode(json, path) } -> std::same_as<T>;
-    { record.encode() } -> std::same_as<QJsonValue>;
+concept Record = requires(const QJsonValue& json, CodingPath& path, const T& record)
+{
+    {
+        T::decode(json, path)
+        } -> std::same_as<T>;
+    {
+        record.encode()
+        } -> std::same_as<QJsonValue>;
 };
 
-template <Record T>
-struct Codec<T> {
+template <Record T> struct Codec<T> {
     static T decode(const QJsonValue& json, CodingPath& path) { return T::decode(json, path); }
     static QJsonValue encode(const T& value) { return value.encode(); }
 };
 
-template <>
-struct Codec<double> {
+template <> struct Codec<double> {
     static double decode(const QJsonValue& json, CodingPath& path)
     {
         if (json.isDouble())
@@ -49,8 +51,7 @@ struct Codec<double> {
     static QJsonValue encode(double value) { return value; }
 };
 
-template <>
-struct Codec<bool> {
+template <> struct Codec<bool> {
     static bool decode(const QJsonValue& json, CodingPath& path)
     {
         if (json.isBool())
@@ -62,8 +63,7 @@ struct Codec<bool> {
     static QJsonValue encode(bool value) { return value; }
 };
 
-template <>
-struct Codec<QString> {
+template <> struct Codec<QString> {
     static QString decode(const QJsonValue& json, CodingPath& path)
     {
         if (json.isString())
@@ -75,33 +75,28 @@ struct Codec<QString> {
     static QJsonValue encode(const QString& value) { return value; }
 };
 
-template <>
-struct Codec<JSONValue> {
+template <> struct Codec<JSONValue> {
     // Every well-formed JSON value is one of the cases, null included.
     static JSONValue decode(const QJsonValue& json, CodingPath&) { return JSONValue::fromQJsonValue(json); }
     static QJsonValue encode(const JSONValue& value) { return value.toQJsonValue(); }
 };
 
-template <>
-struct Codec<WireDate> {
+template <> struct Codec<WireDate> {
     static WireDate decode(const QJsonValue& json, CodingPath& path);
     static QJsonValue encode(const WireDate& value) { return Wire::writeDate(value); }
 };
 
-template <>
-struct Codec<WireFile> {
+template <> struct Codec<WireFile> {
     static WireFile decode(const QJsonValue& json, CodingPath& path);
     static QJsonValue encode(const WireFile& value);
 };
 
-template <>
-struct Codec<WireForm> {
+template <> struct Codec<WireForm> {
     static WireForm decode(const QJsonValue& json, CodingPath& path);
     static QJsonValue encode(const WireForm& value);
 };
 
-template <typename T>
-struct Codec<QList<T>> {
+template <typename T> struct Codec<QList<T>> {
     static QList<T> decode(const QJsonValue& json, CodingPath& path)
     {
         if (!json.isArray()) {
@@ -128,8 +123,7 @@ struct Codec<QList<T>> {
     }
 };
 
-template <typename T>
-struct Codec<std::optional<T>> {
+template <typename T> struct Codec<std::optional<T>> {
     // null reads as absent, like a member that is not there at all.
     static std::optional<T> decode(const QJsonValue& json, CodingPath& path)
     {
@@ -143,9 +137,11 @@ struct Codec<std::optional<T>> {
     }
 };
 
-template <typename T>
-struct Codec<Indirect<T>> {
-    static Indirect<T> decode(const QJsonValue& json, CodingPath& path) { return Codec<T>::decode(json, path); }
+template <typename T> struct Codec<Indirect<T>> {
+    static Indirect<T> decode(const QJsonValue& json, CodingPath& path)
+    {
+        return Codec<T>::decode(json, path);
+    }
     static QJsonValue encode(const Indirect<T>& value) { return Codec<T>::encode(value.value()); }
 };
 
@@ -160,8 +156,7 @@ inline QJsonObject recordObject(const QJsonValue& json, CodingPath& path)
 }
 
 // A member the record cannot do without: missing fails with "missing <path>".
-template <typename T>
-T field(const QJsonObject& object, QLatin1StringView key, CodingPath& path)
+template <typename T> T field(const QJsonObject& object, QLatin1StringView key, CodingPath& path)
 {
     path.pushKey(key);
     const auto it = object.constFind(key);
@@ -186,30 +181,26 @@ std::optional<T> optionalField(const QJsonObject& object, QLatin1StringView key,
 }
 
 // Writes a member; an absent optional is left out rather than sent as null.
-template <typename T>
-void putField(QJsonObject& object, QLatin1StringView key, const T& value)
+template <typename T> void putField(QJsonObject& object, QLatin1StringView key, const T& value)
 {
     object.insert(key, Codec<T>::encode(value));
 }
 
-template <typename T>
-void putField(QJsonObject& object, QLatin1StringView key, const std::optional<T>& value)
+template <typename T> void putField(QJsonObject& object, QLatin1StringView key, const std::optional<T>& value)
 {
     if (value)
         object.insert(key, Codec<T>::encode(*value));
 }
 
 // Decodes a whole value from the top, with an empty path.
-template <typename T>
-T decodeValue(const QJsonValue& json)
+template <typename T> T decodeValue(const QJsonValue& json)
 {
     CodingPath path;
     return Codec<T>::decode(json, path);
 }
 
 // The shared encoder for any wire type.
-template <typename T>
-QByteArray encode(const T& value)
+template <typename T> QByteArray encode(const T& value)
 {
     return Wire::write(Codec<T>::encode(value));
 }

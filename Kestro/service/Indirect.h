@@ -11,8 +11,7 @@ namespace Kestro {
 // on the wire: it encodes and decodes as the boxed value, and compares and
 // hashes by it. The boxed value is shared between copies and never changed
 // in place, so copying is cheap and copies stay independent.
-template <typename T>
-class Indirect {
+template <typename T> class Indirect {
 public:
     Indirect() : m_box(std::make_shared<const T>()) {}
     Indirect(T value) : m_box(std::make_shared<const T>(std::move(value))) {}
@@ -27,8 +26,7 @@ private:
     std::shared_ptr<const T> m_box;
 };
 
-template <typename T>
-size_t qHash(const Indirect<T>& box, size_t seed = 0)
+template <typename T> size_t qHash(const Indirect<T>& box, size_t seed = 0)
 {
     return qHash(box.value(), seed);
 }

@@ -29,14 +29,9 @@ public:
     JSONValue(std::nullptr_t) noexcept : m_value(nullptr) {}
     JSONValue(bool b) noexcept : m_value(b) {}
     template <typename N>
-        requires(std::integral<N> && !std::same_as<N, bool>)
-    JSONValue(N n) noexcept : m_value(static_cast<double>(n))
-    {
-    }
-    template <std::floating_point N>
-    JSONValue(N n) noexcept : m_value(static_cast<double>(n))
-    {
-    }
+    requires(std::integral<N> && !std::same_as<N, bool>) JSONValue(N n)
+    noexcept : m_value(static_cast<double>(n)) {}
+    template <std::floating_point N> JSONValue(N n) noexcept : m_value(static_cast<double>(n)) {}
     JSONValue(const char* text) : m_value(QString::fromUtf8(text)) {}
     JSONValue(QString text) : m_value(std::move(text)) {}
     JSONValue(QLatin1StringView text) : m_value(QString(text)) {}

@@ -13,8 +13,7 @@ struct LaterDelete {
     void operator()(QObject* object) const { object->deleteLater(); }
 };
 
-template <typename Job>
-std::unique_ptr<Job, LaterDelete> makeJob(const QString& service, const QString& key)
+template <typename Job> std::unique_ptr<Job, LaterDelete> makeJob(const QString& service, const QString& key)
 {
     std::unique_ptr<Job, LaterDelete> job(new Job(service));
     job->setAutoDelete(false);

@@ -61,8 +61,8 @@ QString redact(QString line)
     }
     static const QRegularExpression bearer(QStringLiteral(R"((Bearer\s+)[A-Za-z0-9._~+/=-]+)"),
                                            QRegularExpression::CaseInsensitiveOption);
-    static const QRegularExpression named(
-        QString::fromLatin1(R"re(((?:access_token|refresh_token|code_verifier|"access"|"refresh")"?\s*[=:]\s*"?)[^"&\s,}]+)re"));
+    static const QRegularExpression named(QString::fromLatin1(
+        R"re(((?:access_token|refresh_token|code_verifier|"access"|"refresh")"?\s*[=:]\s*"?)[^"&\s,}]+)re"));
     if (!bearer.isValid() || !named.isValid())
         qFatal("The log redaction patterns do not compile.");
     line.replace(bearer, QStringLiteral("\\1[redacted]"));

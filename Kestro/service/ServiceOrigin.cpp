@@ -15,8 +15,9 @@ std::optional<QUrl>& overrideSlot()
 [[noreturn]] void stopOnBadOrigin(const QString& source, const QString& value)
 {
     const QByteArray message =
-        QStringLiteral("Kestro cannot start: %1 holds \"%2\", which is not a web address. Set it to an address "
-                       "such as https://kestro.app, or remove it.\n")
+        QStringLiteral(
+            "Kestro cannot start: %1 holds \"%2\", which is not a web address. Set it to an address "
+            "such as https://kestro.app, or remove it.\n")
             .arg(source, value)
             .toUtf8();
     std::fputs(message.constData(), stderr);

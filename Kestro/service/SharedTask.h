@@ -33,8 +33,7 @@ private:
 // Copies share the same state. Create it, keep it where later callers will
 // find it, then run() it, so that work finishing without suspending still
 // sees itself registered.
-template <typename T>
-class SharedTask {
+template <typename T> class SharedTask {
 public:
     SharedTask() : m_state(std::make_shared<State>()) {}
 
@@ -49,7 +48,9 @@ public:
             co_await qCoro(&state->completion, &Completion::finished);
         if (state->error)
             std::rethrow_exception(state->error);
-        co_return *state->value;
+        // A copy: every awaiter gets the value, and QCoro 0.8 moves from an
+        // lvalue given to co_return.
+        co_return T(*state->value);
     }
 
 private:

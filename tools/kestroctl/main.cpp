@@ -20,7 +20,8 @@ int main(int argc, char** argv)
     Kestroctl::Options options;
     for (qsizetype i = 0; i < words.size();) {
         if (words[i] == QLatin1String("--origin")) {
-            const auto origin = i + 1 < words.size() ? Kestro::ServiceOrigin::parse(words[i + 1]) : std::nullopt;
+            const auto origin =
+                i + 1 < words.size() ? Kestro::ServiceOrigin::parse(words[i + 1]) : std::nullopt;
             if (!origin) {
                 QTextStream(stderr) << "--origin needs a web address such as http://127.0.0.1:8787, not \""
                                     << (i + 1 < words.size() ? words[i + 1] : QString()) << "\"." << Qt::endl;
@@ -46,7 +47,8 @@ int main(int argc, char** argv)
         return Kestroctl::call(words);
     if (command == QLatin1String("actions"))
         return Kestroctl::actions();
-    if (command == QLatin1String("help") || command == QLatin1String("--help") || command == QLatin1String("-h"))
+    if (command == QLatin1String("help") || command == QLatin1String("--help") ||
+        command == QLatin1String("-h"))
         return Kestroctl::usage(false);
     QTextStream(stderr) << "kestroctl does not know the command \"" << command << "\"." << Qt::endl;
     return Kestroctl::usage(true);
