@@ -51,7 +51,7 @@ QCoro::Task<QByteArray> Client::call(QString module, QString action, QList<JSONV
 {
     const QJsonValue answer =
         co_await callAnswer(std::move(module), std::move(action), std::move(args), retry);
-    co_return Wire::write(answer);
+    co_return Wire::write(Wire::unwire(answer));
 }
 
 QCoro::Task<QJsonValue> Client::callAnswer(QString module, QString action, QList<JSONValue> args, bool retry)
@@ -80,7 +80,7 @@ QCoro::Task<QJsonValue> Client::callAnswer(QString module, QString action, QList
     if (answer.status < 200 || answer.status > 299)
         throw CallError::http(answer.status, QString::fromUtf8(answer.body.left(500)));
 
-    const QJsonValue value = Wire::unwire(Wire::parse(answer.body));
+    const QJsonValue value = Wire::parse(answer.body);
     const CallEffects effects = decodeValue<CallEffects>(value);
 
     if (effects.redirectsToSignIn()) {

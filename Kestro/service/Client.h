@@ -41,8 +41,10 @@ public:
     // The raw call: the answer's normalised JSON bytes, effects applied.
     QCoro::Task<QByteArray> call(QString module, QString action, QList<JSONValue> args, bool retry = true);
 
-    // The same call, handing back the parsed, unwired answer rather than its
-    // bytes, so the typed layer decodes without writing and reading it again.
+    // The same call, handing back the parsed answer rather than its bytes, so
+    // the typed layer decodes without writing and reading it again. The
+    // answer is as sent: decoding reads its wire markers as it goes (Codec.h);
+    // Wire::unwire() gives the normalised form.
     QCoro::Task<QJsonValue> callAnswer(QString module, QString action, QList<JSONValue> args,
                                        bool retry = true);
 

@@ -19,7 +19,7 @@ WireFile Codec<WireFile>::decode(const QJsonValue& json, CodingPath& path)
     const auto it = outer.constFind(QLatin1StringView("$file"));
     if (it == outer.constEnd())
         throw DecodingError::keyNotFound(path);
-    const QJsonObject file = recordObject(*it, path);
+    const QJsonObject file = recordObject(Wire::unwrapMarker(*it), path);
     WireFile out;
     out.name = field<QString>(file, QLatin1StringView("name"), path);
     out.type = field<QString>(file, QLatin1StringView("type"), path);
@@ -54,16 +54,19 @@ WireForm Codec<WireForm>::decode(const QJsonValue& json, CodingPath& path)
     const auto it = outer.constFind(QLatin1StringView("$form"));
     if (it == outer.constEnd())
         throw DecodingError::keyNotFound(path);
-    if (!it->isArray())
+    const QJsonValue list = Wire::unwrapMarker(*it);
+    if (!list.isArray())
         throw DecodingError::typeMismatch(path, TypeName::Array);
     WireForm out;
-    const QJsonArray entries = it->toArray();
+    const QJsonArray entries = list.toArray();
     for (qsizetype i = 0; i < entries.size(); ++i) {
         path.pushIndex(i);
-        const QJsonValue entry = entries.at(i);
+        const QJsonValue entry = Wire::unwrapMarker(entries.at(i));
         if (!entry.isArray() || entry.toArray().size() != 2)
             throw DecodingError::typeMismatch(path, TypeName::Array);
-        const QJsonArray pair = entry.toArray();
+        QJsonArray pair = entry.toArray();
+        pair[0] = Wire::unwrapMarker(pair.at(0));
+        pair[1] = Wire::unwrapMarker(pair.at(1));
         path.pushIndex(0);
         const QString name = Codec<QString>::decode(pair.at(0), path);
         path.pop();

@@ -19,6 +19,11 @@
 //   static Record decode(const QJsonValue&, Kestro::CodingPath&);
 //   QJsonValue encode() const;
 // with field() and optionalField() below, and Codec<Record> picks them up.
+//
+// Decoding reads answers as the service sends them: every value is taken
+// through Wire::unwrapMarker() where it is read (field, optionalField, list
+// items, the top), so {"$date": ...} and {"$undefined": true} read as the
+// unwired answer would, without rebuilding the tree first.
 namespace Kestro {
 
 template <typename T> struct Codec;
@@ -77,7 +82,11 @@ template <> struct Codec<QString> {
 
 template <> struct Codec<JSONValue> {
     // Every well-formed JSON value is one of the cases, null included.
-    static JSONValue decode(const QJsonValue& json, CodingPath&) { return JSONValue::fromQJsonValue(json); }
+    // Free-form values are unwired whole, markers nested anywhere included.
+    static JSONValue decode(const QJsonValue& json, CodingPath&)
+    {
+        return JSONValue::fromQJsonValue(Wire::unwire(json));
+    }
     static QJsonValue encode(const JSONValue& value) { return value.toQJsonValue(); }
 };
 
@@ -109,7 +118,7 @@ template <typename T> struct Codec<QList<T>> {
         out.reserve(items.size());
         for (qsizetype i = 0, n = items.size(); i < n; ++i) {
             path.pushIndex(i);
-            out.append(Codec<T>::decode(items.at(i), path));
+            out.append(Codec<T>::decode(Wire::unwrapMarker(items.at(i)), path));
             path.pop();
         }
         return out;
@@ -162,7 +171,7 @@ template <typename T> T field(const QJsonObject& object, QLatin1StringView key, 
     const auto it = object.constFind(key);
     if (it == object.constEnd())
         throw DecodingError::keyNotFound(path);
-    T value = Codec<T>::decode(*it, path);
+    T value = Codec<T>::decode(Wire::unwrapMarker(*it), path);
     path.pop();
     return value;
 }
@@ -175,7 +184,7 @@ std::optional<T> optionalField(const QJsonObject& object, QLatin1StringView key,
     if (it == object.constEnd())
         return std::nullopt;
     path.pushKey(key);
-    std::optional<T> value = Codec<std::optional<T>>::decode(*it, path);
+    std::optional<T> value = Codec<std::optional<T>>::decode(Wire::unwrapMarker(*it), path);
     path.pop();
     return value;
 }

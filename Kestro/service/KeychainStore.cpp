@@ -45,7 +45,7 @@ SecretStore::Outcome outcomeOf(const QKeychain::Job& job)
     if (text.contains(QLatin1String("org.freedesktop.secrets")) ||
         text.contains(QLatin1String("was not provided by any .service files")) ||
         text.contains(QLatin1String("Cannot autolaunch D-Bus")) ||
-        text.contains(QLatin1String("Could not connect to")))
+        text.contains(QLatin1String("Could not connect")))
         return {SecretStore::Failure::NoBackend, text};
     return {SecretStore::Failure::Other, text};
 }

@@ -95,6 +95,21 @@ bool unwireInPlace(QJsonValue& value)
 
 } // namespace
 
+QJsonValue unwrapMarker(const QJsonValue& value)
+{
+    if (!value.isObject())
+        return value;
+    const QJsonObject members = value.toObject();
+    if (members.size() != 1)
+        return value;
+    const auto only = members.constBegin();
+    if (only.key() == QLatin1String("$date") && only.value().isString())
+        return only.value();
+    if (only.key() == QLatin1String("$undefined"))
+        return QJsonValue::Null;
+    return value;
+}
+
 QJsonValue unwire(const QJsonValue& value)
 {
     QJsonValue out = value;

@@ -21,6 +21,11 @@ QJsonValue parse(const QByteArray& bytes);
 // object keyed "$undefined" becomes null, everything else is walked.
 QJsonValue unwire(const QJsonValue& value);
 
+// Unwiring of one value, not its members: what a decoder applies to each
+// value it reads, so that decoding a raw answer equals decoding its unwired
+// form without rebuilding the tree first.
+QJsonValue unwrapMarker(const QJsonValue& value);
+
 // The request side's date form {"$date": "1970-01-01T00:00:01.235Z"}.
 QString dateText(const WireDate& date);
 QJsonValue writeDate(const WireDate& date);

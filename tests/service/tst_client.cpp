@@ -92,7 +92,7 @@ private slots:
             rig.client->call(u"vault"_s, u"updateVaultItemAction"_s,
                              {JSONValue::Object{{"url", "https://a/b"}, {"b", 1}}, JSONValue::absent(), 3}));
         QCOMPARE(rig.service.server.requests().size(), 1);
-        const auto& request = rig.service.server.requests().first();
+        const TestHttpServer::Request request = rig.service.server.requests().first();
         QCOMPARE(request.method, QByteArray("POST"));
         QCOMPARE(request.target, QByteArray("/api/app/vault/updateVaultItemAction"));
         QCOMPARE(request.header("content-type"), QByteArray("application/json"));

@@ -57,14 +57,22 @@ size_t qHash(const Node& node, size_t seed = 0)
     return qHashMulti(seed, node.title, node.count, node.children.size());
 }
 
+// Decodes the answer as sent and as unwired; both must fail alike.
 QString decodeFailure(const char* answer)
 {
-    try {
-        decodeValue<Answer<Node>>(Wire::unwire(json(answer)));
-    } catch (const DecodingError& error) {
-        return error.description();
+    QString failures[2];
+    const QJsonValue forms[2] = {json(answer), Wire::unwire(json(answer))};
+    for (int i = 0; i < 2; ++i) {
+        try {
+            decodeValue<Answer<Node>>(forms[i]);
+            failures[i] = u"(decoded)"_s;
+        } catch (const DecodingError& error) {
+            failures[i] = error.description();
+        }
     }
-    return u"(decoded)"_s;
+    if (failures[0] != failures[1])
+        return u"raw: %1; unwired: %2"_s.arg(failures[0], failures[1]);
+    return failures[0];
 }
 
 } // namespace
@@ -157,6 +165,30 @@ private slots:
         QFETCH(QString, answer);
         QFETCH(QString, expected);
         QCOMPARE(QString::fromUtf8(Wire::write(Wire::unwire(Wire::parse(answer.toUtf8())))), expected);
+    }
+
+    void decodingReadsMarkersAsUnwiringWould()
+    {
+        QCOMPARE(decodeFailure(R"({"value":{"title":"a","count":1,"children":[{"$undefined":true}]}})"),
+                 u".value.children[0] has no Dictionary"_s);
+        QCOMPARE(decodeFailure(R"({"value":{"title":"a","count":{"$undefined":true},"children":[]}})"),
+                 u".value.count has no Double"_s);
+        QCOMPARE(
+            decodeFailure(
+                R"({"value":{"title":"a","count":1,"children":[{"title":"c","count":2,"children":{"$undefined":false}}]}})"),
+            u".value.children[0].children has no Array"_s);
+        const QJsonValue fixed = json(R"({"value":{"title":{"$date":"2024-01-01T00:00:00Z"},"count":1,
+            "note":{"$undefined":true},"at":{"$date":"2024-02-29T23:59:59.5Z"},
+            "children":[{"title":"c","count":2,"children":[],"note":"n","x":{"$date":1}}]}})");
+        const Node fromRaw = decodeValue<Answer<Node>>(fixed).value;
+        QCOMPARE(fromRaw, decodeValue<Answer<Node>>(Wire::unwire(fixed)).value);
+        QCOMPARE(fromRaw.title, u"2024-01-01T00:00:00Z"_s);
+        QVERIFY(!fromRaw.note);
+        QCOMPARE(fromRaw.at->secondsSince1970, 1709251199.5);
+        QCOMPARE(*fromRaw.children[0]->note, u"n"_s);
+        // Free-form members come out unwired all the way down.
+        QCOMPARE(decodeValue<JSONValue>(json(R"({"a":[{"$undefined":true},{"b":{"$date":"t"}}]})")),
+                 decodeValue<JSONValue>(json(R"({"a":[null,{"b":"t"}]})")));
     }
 
     void encoderSortsKeysAndKeepsSlashes()
