@@ -36,23 +36,10 @@ template <typename T> T blockingWait(QCoro::Task<T> task)
 
 inline void blockingWait(QCoro::Task<> task)
 {
-    QEventLoop loop;
-    std::exception_ptr error;
-    bool done = false;
-    auto runner = [&]() -> QCoro::Task<> {
-        try {
-            co_await std::move(task);
-        } catch (...) {
-            error = std::current_exception();
-        }
-        done = true;
-        loop.quit();
-    };
-    auto running = runner();
-    if (!done)
-        loop.exec();
-    if (error)
-        std::rethrow_exception(error);
+    blockingWait([](QCoro::Task<> work) -> QCoro::Task<bool> {
+        co_await std::move(work);
+        co_return true;
+    }(std::move(task)));
 }
 
 } // namespace Kestro

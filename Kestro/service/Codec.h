@@ -28,6 +28,17 @@ namespace Kestro {
 
 template <typename T> struct Codec;
 
+// Throws unless the value is of the expected kind: null means the value is
+// not there ("has no"), anything else is the wrong type ("is not").
+inline void expectKind(bool matches, const QJsonValue& json, const CodingPath& path, QLatin1StringView type)
+{
+    if (matches)
+        return;
+    if (json.isNull())
+        throw DecodingError::valueNotFound(path, type);
+    throw DecodingError::typeMismatch(path, type);
+}
+
 template <typename T>
 concept Record = requires(const QJsonValue& json, CodingPath& path, const T& record)
 {
@@ -47,11 +58,8 @@ template <Record T> struct Codec<T> {
 template <> struct Codec<double> {
     static double decode(const QJsonValue& json, CodingPath& path)
     {
-        if (json.isDouble())
-            return json.toDouble();
-        if (json.isNull())
-            throw DecodingError::valueNotFound(path, TypeName::Double);
-        throw DecodingError::typeMismatch(path, TypeName::Double);
+        expectKind(json.isDouble(), json, path, TypeName::Double);
+        return json.toDouble();
     }
     static QJsonValue encode(double value) { return value; }
 };
@@ -59,11 +67,8 @@ template <> struct Codec<double> {
 template <> struct Codec<bool> {
     static bool decode(const QJsonValue& json, CodingPath& path)
     {
-        if (json.isBool())
-            return json.toBool();
-        if (json.isNull())
-            throw DecodingError::valueNotFound(path, TypeName::Bool);
-        throw DecodingError::typeMismatch(path, TypeName::Bool);
+        expectKind(json.isBool(), json, path, TypeName::Bool);
+        return json.toBool();
     }
     static QJsonValue encode(bool value) { return value; }
 };
@@ -71,11 +76,8 @@ template <> struct Codec<bool> {
 template <> struct Codec<QString> {
     static QString decode(const QJsonValue& json, CodingPath& path)
     {
-        if (json.isString())
-            return json.toString();
-        if (json.isNull())
-            throw DecodingError::valueNotFound(path, TypeName::String);
-        throw DecodingError::typeMismatch(path, TypeName::String);
+        expectKind(json.isString(), json, path, TypeName::String);
+        return json.toString();
     }
     static QJsonValue encode(const QString& value) { return value; }
 };
@@ -108,11 +110,7 @@ template <> struct Codec<WireForm> {
 template <typename T> struct Codec<QList<T>> {
     static QList<T> decode(const QJsonValue& json, CodingPath& path)
     {
-        if (!json.isArray()) {
-            if (json.isNull())
-                throw DecodingError::valueNotFound(path, TypeName::Array);
-            throw DecodingError::typeMismatch(path, TypeName::Array);
-        }
+        expectKind(json.isArray(), json, path, TypeName::Array);
         const QJsonArray items = json.toArray();
         QList<T> out;
         out.reserve(items.size());
@@ -157,11 +155,8 @@ template <typename T> struct Codec<Indirect<T>> {
 // The object a record reads its members from.
 inline QJsonObject recordObject(const QJsonValue& json, CodingPath& path)
 {
-    if (json.isObject())
-        return json.toObject();
-    if (json.isNull())
-        throw DecodingError::valueNotFound(path, TypeName::Dictionary);
-    throw DecodingError::typeMismatch(path, TypeName::Dictionary);
+    expectKind(json.isObject(), json, path, TypeName::Dictionary);
+    return json.toObject();
 }
 
 // A member the record cannot do without: missing fails with "missing <path>".
