@@ -15,10 +15,21 @@
 
 namespace Kestro {
 
+namespace {
+Client* replacement = nullptr;
+}
+
 Client& Client::shared()
 {
+    if (replacement)
+        return *replacement;
     static Client* client = new Client(ServiceOrigin::current(), Auth::shared());
     return *client;
+}
+
+void Client::setShared(Client* client)
+{
+    replacement = client;
 }
 
 Client::Client(QUrl origin, Auth& auth, QObject* parent)

@@ -28,6 +28,9 @@ class Client : public QObject {
 public:
     // The process's client for ServiceOrigin::current(), over Auth::shared().
     static Client& shared();
+    // Makes another client the process's own (tests, tools with their own
+    // service); nullptr goes back to the default one.
+    static void setShared(Client* client);
 
     Client(QUrl origin, Auth& auth, QObject* parent = nullptr);
 

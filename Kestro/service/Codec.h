@@ -10,6 +10,7 @@
 #include <QJsonObject>
 #include <QJsonValue>
 #include <QList>
+#include <QMap>
 
 #include <concepts>
 #include <optional>
@@ -126,6 +127,28 @@ template <typename T> struct Codec<QList<T>> {
         QJsonArray out;
         for (const T& value : values)
             out.append(Codec<T>::encode(value));
+        return out;
+    }
+};
+
+template <typename T> struct Codec<QMap<QString, T>> {
+    static QMap<QString, T> decode(const QJsonValue& json, CodingPath& path)
+    {
+        expectKind(json.isObject(), json, path, TypeName::Dictionary);
+        const QJsonObject members = json.toObject();
+        QMap<QString, T> out;
+        for (auto it = members.constBegin(); it != members.constEnd(); ++it) {
+            path.pushKey(it.key());
+            out.insert(it.key(), Codec<T>::decode(Wire::unwrapMarker(it.value()), path));
+            path.pop();
+        }
+        return out;
+    }
+    static QJsonValue encode(const QMap<QString, T>& values)
+    {
+        QJsonObject out;
+        for (auto it = values.constBegin(); it != values.constEnd(); ++it)
+            out.insert(it.key(), Codec<T>::encode(it.value()));
         return out;
     }
 };

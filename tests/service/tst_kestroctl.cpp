@@ -78,6 +78,10 @@ private slots:
                 return {200, "<html>"};
             if (action == "shape")
                 return {200, "[1]"};
+            if (action == "notificationCountAction")
+                return jsonAnswer(QJsonObject{{u"unread"_s, 3}, {u"fromANewerService"_s, true}});
+            if (action == "kestChat")
+                return jsonAnswer(QJsonObject{{u"me"_s, u"u1"_s}});
             return jsonAnswer(QJsonObject{{u"action"_s, QString::fromUtf8(action)}, {u"args"_s, args}});
         });
 
@@ -90,13 +94,22 @@ private slots:
         QVERIFY2(signIn.err.isEmpty() || !signIn.err.contains(u"this run only"_s), qPrintable(signIn.err));
 
         // The next process finds the sign-in in the keyring.
-        const Run call = kestroctl({u"--origin"_s, origin, u"call"_s, u"kest"_s, u"kestChat"_s,
+        const Run call = kestroctl({u"--origin"_s, origin, u"call"_s, u"kest"_s, u"computer"_s,
                                     uR"({"room":"general"})"_s, u"undefined"_s, u"3"_s});
         QCOMPARE(call.exit, 0);
         const QJsonObject printed = QJsonDocument::fromJson(call.out.toUtf8()).object();
-        QCOMPARE(printed.value(u"action"_s).toString(), u"kestChat"_s);
+        QCOMPARE(printed.value(u"action"_s).toString(), u"computer"_s);
         QCOMPARE(service.server.requests().last().body,
                  QByteArray(R"({"args":[{"room":"general"},{"$undefined":true},3]})"));
+
+        // A declared action prints its record encoded again: what the record
+        // does not declare is gone, and a mismatch fails with its path.
+        const Run typed = kestroctl({u"--origin"_s, origin, u"call"_s, u"app"_s, u"notificationCountAction"_s});
+        QCOMPARE(typed.exit, 0);
+        QCOMPARE(QJsonDocument::fromJson(typed.out.toUtf8()).object(), (QJsonObject{{u"unread"_s, 3}}));
+        const Run mismatch = kestroctl({u"--origin"_s, origin, u"call"_s, u"kest"_s, u"kestChat"_s});
+        QCOMPARE(mismatch.exit, 3);
+        QCOMPARE(mismatch.err.trimmed(), u"The answer did not read: kest/kestChat: missing .value.messages."_s);
 
         auto exitOf = [&](const char* action) {
             return kestroctl({u"--origin"_s, origin, u"call"_s, u"m"_s, QString::fromLatin1(action)});

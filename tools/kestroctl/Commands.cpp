@@ -1,5 +1,6 @@
 #include "Commands.h"
 
+#include "service/ActionCatalog.h"
 #include "service/Auth.h"
 #include "service/AuthError.h"
 #include "service/BlockingWait.h"
@@ -15,6 +16,7 @@
 #include <QProcess>
 #include <QTextStream>
 
+#include <algorithm>
 #include <iostream>
 #include <string>
 
@@ -135,9 +137,19 @@ int call(const QStringList& words)
             return Failed;
         }
     }
+    // A declared action decodes through its result record and prints the
+    // record encoded again, so an answer of the wrong shape fails with its
+    // path; an action the catalog does not know prints the answer as it is.
+    const auto& catalog = actionCatalog();
+    const auto entry = std::find_if(catalog.begin(), catalog.end(), [&](const ActionEntry& e) {
+        return e.module == words[0] && e.action == words[1];
+    });
     try {
-        const JSONValue value = blockingWait(Client::shared().fetch<JSONValue>(words[0], words[1], args));
-        out() << printable(value.toQJsonValue()) << Qt::endl;
+        const QJsonValue value =
+            entry != catalog.end()
+                ? blockingWait(entry->call(words[0], words[1], args))
+                : blockingWait(Client::shared().fetch<JSONValue>(words[0], words[1], args)).toQJsonValue();
+        out() << printable(value) << Qt::endl;
         return Ok;
     } catch (const CallError& error) {
         err() << error.description() << Qt::endl;
@@ -166,7 +178,10 @@ int call(const QStringList& words)
 
 int actions()
 {
-    err() << "This build knows no actions by name yet." << Qt::endl;
+    // One line per action: module, action, result record.
+    for (const ActionEntry& entry : actionCatalog())
+        out() << entry.module << ' ' << entry.action << ' ' << entry.result << '\n';
+    out().flush();
     return Ok;
 }
 

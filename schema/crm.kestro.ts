@@ -1,0 +1,12 @@
+// The "crm" module: POST /api/app/crm/<action>.
+
+module crm {
+  campaign;
+  campaigns;
+  company;
+  emailSettings;
+  list;
+  lists;
+  person;
+  replies;
+}

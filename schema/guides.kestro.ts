@@ -1,0 +1,5 @@
+// The "guides" module: POST /api/app/guides/<action>.
+
+module guides {
+  search;
+}

@@ -1,0 +1,6 @@
+// The "oauth" module: POST /api/app/oauth/<action>.
+
+module oauth {
+  connections;
+  revokeConnection;
+}

@@ -1,0 +1,6 @@
+// The "settings" module: POST /api/app/settings/<action>.
+
+module settings {
+  settings;
+  vault;
+}

@@ -1,0 +1,6 @@
+// The "templates" module: POST /api/app/templates/<action>.
+
+module templates {
+  page;
+  template;
+}

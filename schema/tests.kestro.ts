@@ -1,0 +1,8 @@
+// The "tests" module: POST /api/app/tests/<action>.
+
+module tests {
+  library;
+  run;
+  status;
+  testPage;
+}
