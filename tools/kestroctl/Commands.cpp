@@ -131,9 +131,9 @@ int call(const QStringList& words)
         }
         try {
             args.append(JSONValue::fromQJsonValue(Wire::parse(words[i].toUtf8())));
-        } catch (const ServiceError& error) {
-            err() << "Argument " << (i - 1) << " is not JSON: " << error.description()
-                  << " Write text in quotes, for example '\"hello\"'." << Qt::endl;
+        } catch (const JsonSyntaxError& error) {
+            err() << "Argument " << (i - 1) << " is not JSON (" << error.detail()
+                  << "). Write text in quotes, for example '\"hello\"'." << Qt::endl;
             return Failed;
         }
     }

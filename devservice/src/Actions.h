@@ -1,0 +1,50 @@
+#pragma once
+
+#include "Service.h"
+
+#include <functional>
+#include <map>
+#include <optional>
+#include <string>
+
+namespace devservice {
+
+// One action call in progress: who calls, and the effects the answer will
+// carry beside its value (revalidate, redirect, notFound).
+struct ActionContext {
+    Service& service;
+    Caller caller;
+    json effects = json::object();
+
+    void changed(const std::string& path) { effects["revalidate"].push_back({{"path", path}}); }
+    void notFound() { effects["notFound"] = true; }
+    // Read-only roles get the refusal in-band, as every changing action does.
+    std::optional<json> refuseReadOnly() const
+    {
+        if (caller.canWrite())
+            return std::nullopt;
+        return json{{"error", "Your role in this workspace lets you read, not change things."}};
+    }
+};
+
+using ActionHandler = std::function<json(ActionContext&, const json& args)>;
+using ActionTable = std::map<std::string, ActionHandler>; // "module/action"
+
+void addShellActions(ActionTable& table);
+void addKestActions(ActionTable& table);
+void addTaskActions(ActionTable& table);
+void addAnalyticsActions(ActionTable& table);
+
+// Arguments by position. A missing argument, null and {"$undefined": true}
+// all mean "not given"; a given argument of the wrong type is a 400.
+bool given(const json& args, size_t at);
+std::optional<std::string> optionalText(const json& args, size_t at, const char* name);
+std::string text(const json& args, size_t at, const char* name);
+json object(const json& args, size_t at, const char* name); // {} when not given
+std::optional<bool> optionalFlag(const json& args, size_t at, const char* name);
+std::vector<std::string> texts(const json& args, size_t at, const char* name);
+
+// A member of an input object, with the same rules.
+std::optional<std::string> memberText(const json& input, const char* name);
+
+} // namespace devservice

@@ -1,0 +1,150 @@
+#include "Pages.h"
+
+#include "Html.h"
+#include "OAuth.h"
+
+#include <httplib.h>
+
+namespace devservice {
+
+namespace {
+
+struct Known {
+    const char* path;
+    const char* title;
+    const char* text;
+};
+
+const Known knownPages[] = {
+    {"/analytics/settings", "Analytics settings",
+     "Choose what the tracker counts, who gets reports, and which hosts belong to the site."},
+    {"/settings", "Settings", "The workspace's name, members, billing and connected apps."},
+    {"/crm/customers", "Customers", "Everyone who bought from you, with their plan and last contact."},
+    {"/incidents", "Incidents", "What broke, who is on it, and what was done."},
+    {"/tests", "Tests", "The QA teammate's test runs and their findings."},
+    {"/surveys", "Surveys", "Questions for your customers and what they answered."},
+};
+
+std::string titleFor(const std::string& path)
+{
+    for (const Known& k : knownPages)
+        if (path == k.path)
+            return k.title;
+    // Any other in-app path: its last segment, capitalised.
+    std::string last = path.substr(path.find_last_of('/') + 1);
+    if (last.empty())
+        return "Kestro";
+    for (char& c : last)
+        if (c == '-' || c == '_')
+            c = ' ';
+    last[0] = char(std::toupper(static_cast<unsigned char>(last[0])));
+    return last;
+}
+
+std::string appPage(const std::string& path, const json& user)
+{
+    std::string text = "This page is part of the local Kestro service.";
+    for (const Known& k : knownPages)
+        if (path == k.path)
+            text = k.text;
+    const std::string title = titleFor(path);
+    std::string nav = "<nav>";
+    for (const Known& k : knownPages)
+        nav += "<a href=\"" + std::string(k.path) + "\">" + k.title + "</a>";
+    nav += "<a href=\"/analytics/settings?tab=crawlers\">Crawlers</a>"
+           "<a href=\"https://example.com/help\">Help (outside)</a>"
+           "<button data-theme-switch onclick=\"toggleTheme()\">Theme</button></nav>";
+    const std::string body =
+        nav + "<main><h1>" + escapeHtml(title) + "</h1><p class=\"muted\">" + escapeHtml(text) + "</p>" +
+        "<p>Signed in as <strong>" + escapeHtml(user.value("name", "")) + "</strong>.</p>" +
+        "<p><button class=\"primary\" id=\"save\" onclick=\"save()\">Save changes</button> "
+        "<span id=\"saved\" class=\"muted\"></span></p>"
+        "<table><tr><th>Setting</th><th>Value</th></tr><tr><td>Time zone</td><td>Europe/Berlin</td></tr>"
+        "<tr><td>Weekly report</td><td>On</td></tr></table></main>"
+        "<script>function save(){document.getElementById('saved').textContent='Saved.';"
+        "document.dispatchEvent(new Event('kestro:changed'));window.dispatchEvent(new "
+        "Event('kestro:changed'));}"
+        "function toggleTheme(){var d=document.documentElement.classList.contains('dark');"
+        "try{localStorage.setItem('theme',d?'light':'dark')}catch(e){}location.reload();}</script>";
+    return page(title, body);
+}
+
+// A small round badge with the host's initial in a colour of its own.
+std::string iconSvg(const std::string& name)
+{
+    const unsigned h = stableHash(name);
+    const int hue = int(h % 360);
+    const char initial = name.empty() ? '?' : char(std::toupper(static_cast<unsigned char>(name[0])));
+    return "<svg xmlns=\"http://www.w3.org/2000/svg\" width=\"32\" height=\"32\" viewBox=\"0 0 32 32\">"
+           "<circle cx=\"16\" cy=\"16\" r=\"16\" fill=\"hsl(" +
+           std::to_string(hue) +
+           ",60%,48%)\"/>"
+           "<text x=\"16\" y=\"21\" font-family=\"sans-serif\" font-size=\"15\" font-weight=\"600\" "
+           "fill=\"#fff\""
+           " text-anchor=\"middle\">" +
+           std::string(1, initial) + "</text></svg>";
+}
+
+// Three stripes whose colours come from the country code.
+std::string flagSvg(const std::string& code)
+{
+    const unsigned h = stableHash(code);
+    std::string svg =
+        "<svg xmlns=\"http://www.w3.org/2000/svg\" width=\"24\" height=\"16\" viewBox=\"0 0 24 16\">";
+    for (int i = 0; i < 3; ++i)
+        svg += "<rect x=\"" + std::to_string(i * 8) + "\" y=\"0\" width=\"8\" height=\"16\" fill=\"hsl(" +
+               std::to_string((h >> (i * 8)) % 360) + ",65%," + std::to_string(35 + i * 15) + "%)\"/>";
+    return svg + "</svg>";
+}
+
+} // namespace
+
+void installPages(httplib::Server& server, Service& service)
+{
+    server.Get("/login", [](const httplib::Request&, httplib::Response& response) {
+        response.set_content(page("Log in",
+                                  "<main class=\"card\"><h1>Log in to Kestro</h1><p class=\"muted\">"
+                                  "Open Kestro desktop and choose Log in.</p></main>"),
+                             "text/html; charset=utf-8");
+    });
+    server.Get("/api/icons/(.+)", [](const httplib::Request& r, httplib::Response& response) {
+        response.set_header("Cache-Control", "max-age=86400");
+        response.set_content(iconSvg(r.matches[1]), "image/svg+xml");
+    });
+    server.Get("/api/avatars/(.+)", [](const httplib::Request& r, httplib::Response& response) {
+        response.set_content(iconSvg(r.matches[1]), "image/svg+xml");
+    });
+    server.Get("/api/flags/(.+)", [](const httplib::Request& r, httplib::Response& response) {
+        response.set_content(flagSvg(r.matches[1]), "image/svg+xml");
+    });
+    server.Get("/appcast.xml", [&service](const httplib::Request&, httplib::Response& response) {
+        const std::string base =
+            "http://" + service.options.host + ":" + std::to_string(service.options.port);
+        response.set_content(
+            "<?xml version=\"1.0\" encoding=\"utf-8\"?>\n"
+            "<rss version=\"2.0\" xmlns:sparkle=\"http://www.andymatuschak.org/xml-namespaces/sparkle\">"
+            "<channel><title>Kestro desktop</title><link>" +
+                base +
+                "/appcast.xml</link>"
+                "<item><title>Kestro 0.1.0</title><pubDate>Sat, 21 Nov 2026 12:00:00 +0000</pubDate>"
+                "<sparkle:version>0.1.0</sparkle:version><sparkle:shortVersionString>0.1.0</"
+                "sparkle:shortVersionString>"
+                "<description>The first build of Kestro desktop.</description>"
+                "<enclosure url=\"" +
+                base +
+                "/downloads/kestro-0.1.0.tar.gz\" length=\"0\" type=\"application/octet-stream\""
+                " sparkle:version=\"0.1.0\"/></item></channel></rss>\n",
+            "application/rss+xml");
+    });
+    // Every other page path is an in-app page, behind the session cookie.
+    server.Get("/(?!api/).*", [&service](const httplib::Request& r, httplib::Response& response) {
+        const auto user = userForSessionCookie(service, r);
+        if (!user) {
+            response.set_redirect("/login?next=" + httplib::detail::encode_query_param(r.path));
+            return;
+        }
+        response.set_content(appPage(r.path, service.person(*user)), "text/html; charset=utf-8");
+    });
+}
+
+} // namespace devservice

@@ -1,0 +1,63 @@
+#include "Service.h"
+
+#include <algorithm>
+
+namespace devservice {
+
+std::optional<Caller> Service::callerFor(const std::string& user)
+{
+    const auto pref = store.get("pref", user);
+    if (!pref)
+        return std::nullopt;
+    const std::string workspace = pref->value("workspace", "");
+    const auto space = store.get("workspace", workspace);
+    if (!space)
+        return std::nullopt;
+    const json& members = (*space)["members"];
+    if (!members.contains(user))
+        return std::nullopt;
+    return Caller{user, workspace, members[user].get<std::string>()};
+}
+
+std::vector<json> Service::teammates(const std::string& workspace)
+{
+    std::vector<json> out = store.list("teammate", workspace);
+    std::stable_sort(out.begin(), out.end(), [](const json& a, const json& b) {
+        return a.value("lead", false) > b.value("lead", false);
+    });
+    return out;
+}
+
+json Service::teammate(const std::string& workspace, const std::string& handle)
+{
+    const auto found = store.get("teammate", workspace + ":" + handle);
+    return found ? *found : json();
+}
+
+json Service::person(const std::string& user)
+{
+    const auto found = store.get("user", user);
+    if (!found)
+        return json{{"id", user}, {"name", "Someone"}};
+    return json{{"id", user}, {"name", (*found)["name"]}, {"email", (*found)["email"]}};
+}
+
+void Service::notify(const std::string& workspace, const std::string& user, const std::string& kind,
+                     const json& by, const std::string& verb, const std::string& title,
+                     const std::string& text, const std::string& href)
+{
+    const std::string id = newId("n");
+    store.put("notification", id, workspace,
+              json{{"id", id},
+                   {"user", user},
+                   {"kind", kind},
+                   {"by", by},
+                   {"verb", verb},
+                   {"title", title},
+                   {"text", text},
+                   {"href", href},
+                   {"read", false},
+                   {"at", isoNow()}});
+}
+
+} // namespace devservice

@@ -1,0 +1,51 @@
+#pragma once
+
+#include "Json.h"
+#include "Options.h"
+#include "Store.h"
+
+#include <optional>
+#include <stdexcept>
+#include <string>
+
+namespace devservice {
+
+// A refusal of a request: its HTTP status and a sentence for the client.
+struct RequestError : std::runtime_error {
+    int status;
+    RequestError(int status, const std::string& message) : std::runtime_error(message), status(status) {}
+};
+
+// Who is calling, in which workspace, as resolved from the bearer token.
+struct Caller {
+    std::string user;
+    std::string workspace;
+    std::string role; // "owner", "member", "viewer", ...
+    bool canWrite() const { return role != "viewer" && role != "approver" && role != "guest"; }
+};
+
+struct Service {
+    Options options;
+    Store store;
+
+    Service(Options options, const std::string& databasePath)
+        : options(std::move(options)), store(databasePath)
+    {
+    }
+
+    // The caller's current workspace and role, or nullopt for an unknown user.
+    std::optional<Caller> callerFor(const std::string& user);
+    // Teammates of a workspace as TeammateView records, lead first.
+    std::vector<json> teammates(const std::string& workspace);
+    json teammate(const std::string& workspace, const std::string& handle);
+    json person(const std::string& user);
+    // Adds a notification for a user; `by` is an actor record.
+    void notify(const std::string& workspace, const std::string& user, const std::string& kind,
+                const json& by, const std::string& verb, const std::string& title, const std::string& text,
+                const std::string& href);
+};
+
+// Creates the demo data on first start.
+void seed(Service& service);
+
+} // namespace devservice

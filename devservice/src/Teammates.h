@@ -1,0 +1,45 @@
+#pragma once
+
+#include "Service.h"
+
+#include <atomic>
+#include <string>
+#include <thread>
+#include <vector>
+
+namespace devservice {
+
+// The AI teammates as the demo plays them: a run goes "queued" -> "running"
+// through its steps (page reads, searches, tool calls) -> "done", then the
+// teammate answers in the thread in Markdown; tasks assigned to a teammate
+// move todo -> in_progress -> in_review. Time runs `timeScale` times faster.
+
+// Starts a run for a teammate; answers the run's id.
+std::string startRun(Service& service, const std::string& workspace, const std::string& agent,
+                     const std::string& topic, const std::string& threadId, const std::string& author,
+                     const std::string& taskId = {});
+
+// The teammates a message is for: @mentions, everyone for @all, else the
+// lead's pick (and `triaged` tells that the lead decided).
+std::vector<std::string> recipients(Service& service, const std::string& workspace, const std::string& text,
+                                    bool& triaged);
+
+// A run's trace as the client reads it (Model.RunTrace).
+json traceOf(const json& run);
+
+// Moves every run and task along; called by the simulation thread.
+void advance(Service& service);
+
+// Runs advance() every 100 ms until stopped, with or without clients.
+class Simulation {
+public:
+    explicit Simulation(Service& service);
+    ~Simulation();
+
+private:
+    Service& m_service;
+    std::atomic<bool> m_stop{false};
+    std::thread m_thread;
+};
+
+} // namespace devservice

@@ -1,0 +1,499 @@
+// kestro-devservice over HTTP on 127.0.0.1: sign-in and its refusals, every
+// implemented action decoded through the client's generated records (so the
+// service answers in the shapes of schema/), the teammates' simulation, a
+// restart, bad input, and concurrent writes.
+
+#include "calls/Calls.h"
+#include "service/Auth.h"
+#include "service/AuthError.h"
+#include "service/BlockingWait.h"
+#include "service/MemorySecretStore.h"
+
+#include <QJsonArray>
+#include <QJsonDocument>
+#include <QNetworkAccessManager>
+#include <QNetworkReply>
+#include <QProcess>
+#include <QTcpServer>
+#include <QTemporaryDir>
+#include <QTest>
+#include <QUrlQuery>
+
+using namespace Kestro;
+using namespace Qt::Literals::StringLiterals;
+
+namespace {
+
+struct Reply {
+    int status = 0;
+    QByteArray body;
+    QByteArray location;
+    QJsonObject object() const { return QJsonDocument::fromJson(body).object(); }
+};
+
+QNetworkAccessManager& network()
+{
+    static QNetworkAccessManager manager;
+    return manager;
+}
+
+Reply await(QNetworkReply* reply)
+{
+    QEventLoop loop;
+    QObject::connect(reply, &QNetworkReply::finished, &loop, &QEventLoop::quit);
+    if (!reply->isFinished())
+        loop.exec();
+    Reply answer{reply->attribute(QNetworkRequest::HttpStatusCodeAttribute).toInt(), reply->readAll(),
+                 reply->rawHeader("Location")};
+    reply->deleteLater();
+    return answer;
+}
+
+// One running kestro-devservice with its own data folder and port.
+class DevService {
+public:
+    explicit DevService(QStringList extra = {}, const QString& dataDir = {}) { start(extra, dataDir); }
+    ~DevService() { stop(); }
+
+    void start(const QStringList& extra, const QString& dataDir = {})
+    {
+        QTcpServer probe;
+        probe.listen(QHostAddress::LocalHost, 0);
+        port = probe.serverPort();
+        probe.close();
+        folder = dataDir.isEmpty() ? own.path() : dataDir;
+        process.start(QStringLiteral(DEVSERVICE_PATH),
+                      QStringList{u"--port"_s, QString::number(port), u"--data"_s, folder} + extra);
+        if (!process.waitForReadyRead(10'000))
+            qFatal("kestro-devservice did not start: %s", process.readAllStandardError().constData());
+    }
+    void stop()
+    {
+        if (process.state() == QProcess::NotRunning)
+            return;
+        network().clearConnectionCache(); // idle keep-alive connections would hold the server's workers
+        process.terminate();
+        process.waitForFinished(5000);
+    }
+    QUrl origin() const { return QUrl(u"http://127.0.0.1:%1"_s.arg(port)); }
+    QUrl url(const QString& path) const { return origin().resolved(QUrl(path)); }
+
+    Reply get(const QString& path, const QByteArray& cookie = {})
+    {
+        QNetworkRequest request(url(path));
+        request.setAttribute(QNetworkRequest::RedirectPolicyAttribute, QNetworkRequest::ManualRedirectPolicy);
+        if (!cookie.isEmpty())
+            request.setRawHeader("Cookie", cookie);
+        return await(network().get(request));
+    }
+    Reply post(const QString& path, const QByteArray& body, const QByteArray& type,
+               const QByteArray& bearer = {})
+    {
+        QNetworkRequest request(url(path));
+        request.setAttribute(QNetworkRequest::RedirectPolicyAttribute, QNetworkRequest::ManualRedirectPolicy);
+        request.setHeader(QNetworkRequest::ContentTypeHeader, type);
+        if (!bearer.isEmpty())
+            request.setRawHeader("Authorization", "Bearer " + bearer);
+        return await(network().post(request, body));
+    }
+    Reply action(const QString& name, const QJsonArray& args, const QByteArray& bearer)
+    {
+        return post(u"/api/app/"_s + name, QJsonDocument(QJsonObject{{u"args"_s, args}}).toJson(),
+                    "application/json", bearer);
+    }
+    Reply token(const QList<QPair<QString, QString>>& form)
+    {
+        QUrlQuery query;
+        for (const auto& [name, value] : form)
+            query.addQueryItem(name, QString::fromLatin1(QUrl::toPercentEncoding(value)));
+        return post(u"/api/oauth/token"_s, query.toString(QUrl::FullyEncoded).toUtf8(),
+                    "application/x-www-form-urlencoded");
+    }
+
+    quint16 port = 0;
+    QString folder;
+    QTemporaryDir own;
+    QProcess process;
+};
+
+// A signed-in client of one service, made the process's own client.
+struct Session {
+    MemorySecretStore store;
+    std::unique_ptr<Auth> auth;
+    std::unique_ptr<Client> client;
+
+    explicit Session(DevService& service)
+    {
+        auth = std::make_unique<Auth>(service.origin(), store);
+        const Authorization authorization = auth->begin(QString(Auth::redirectUri));
+        const Reply consent = service.get(
+            authorization.url.toString(QUrl::FullyEncoded).mid(service.origin().toString().size()));
+        if (!consent.location.startsWith("kestro://oauth/callback"))
+            qFatal("The sign-in did not come back: %d %s", consent.status,
+                   consent.body.left(200).constData());
+        blockingWait(auth->finish(QUrl(QString::fromUtf8(consent.location)), authorization));
+        client = std::make_unique<Client>(service.origin(), *auth);
+        Client::setShared(client.get());
+    }
+    ~Session() { Client::setShared(nullptr); }
+    QByteArray access() const { return auth->tokens()->access.toUtf8(); }
+};
+
+template <typename Predicate> bool eventually(Predicate&& done, int timeoutMs = 20'000)
+{
+    QDeadlineTimer deadline(timeoutMs);
+    while (!deadline.hasExpired()) {
+        if (done())
+            return true;
+        QTest::qWait(100);
+    }
+    return done();
+}
+
+} // namespace
+
+class DevServiceTest : public QObject {
+    Q_OBJECT
+private slots:
+    void signInAndItsRefusals()
+    {
+        DevService service({u"--auto-approve"_s});
+        Session session(service);
+        QVERIFY(session.auth->tokens());
+
+        // A code works once.
+        MemorySecretStore store;
+        Auth auth(service.origin(), store);
+        const Authorization a = auth.begin(QString(Auth::redirectUri));
+        const QUrl callback(QString::fromUtf8(
+            service.get(a.url.toString().mid(service.origin().toString().size())).location));
+        blockingWait(auth.finish(callback, a));
+        try {
+            blockingWait(auth.finish(callback, a));
+            QFAIL("a code worked twice");
+        } catch (const AuthError& error) {
+            QVERIFY2(error.description().contains(u"already used"_s), qPrintable(error.description()));
+        }
+        // The verifier must match the challenge.
+        const Authorization b = auth.begin(QString(Auth::redirectUri));
+        Authorization wrong = b;
+        wrong.verifier = u"v"_s.repeated(64);
+        try {
+            blockingWait(auth.finish(
+                QUrl(QString::fromUtf8(
+                    service.get(b.url.toString().mid(service.origin().toString().size())).location)),
+                wrong));
+            QFAIL("a wrong verifier signed in");
+        } catch (const AuthError& error) {
+            QVERIFY2(error.description().contains(u"proof key"_s), qPrintable(error.description()));
+        }
+
+        // Refresh tokens rotate: the old one stops working.
+        const QString refresh = session.auth->tokens()->refresh;
+        const QList<QPair<QString, QString>> form{{u"grant_type"_s, u"refresh_token"_s},
+                                                  {u"refresh_token"_s, refresh},
+                                                  {u"client_id"_s, u"kestro-mac"_s}};
+        const Reply rotated = service.token(form);
+        QCOMPARE(rotated.status, 200);
+        QVERIFY(rotated.object().contains(u"refresh_token"_s));
+        const Reply again = service.token(form);
+        QCOMPARE(again.status, 400);
+        QCOMPARE(again.object().value(u"error"_s).toString(), u"invalid_grant"_s);
+        QVERIFY(!again.object().value(u"error_description"_s).toString().isEmpty());
+
+        // A revoked token no longer opens actions.
+        const QByteArray newAccess = rotated.object().value(u"access_token"_s).toString().toUtf8();
+        QCOMPARE(service.action(u"shell/frame"_s, {}, newAccess).status, 200);
+        const QString newRefresh = rotated.object().value(u"refresh_token"_s).toString();
+        QCOMPARE(service
+                     .post(u"/api/oauth/revoke"_s, "token=" + newRefresh.toUtf8() + "&client_id=kestro-mac",
+                           "application/x-www-form-urlencoded")
+                     .status,
+                 200);
+        QCOMPARE(service.action(u"shell/frame"_s, {}, newAccess).status, 401);
+        QCOMPARE(service.action(u"shell/frame"_s, {}, "at_made_up").status, 401);
+        QCOMPARE(service.action(u"shell/frame"_s, {}, {}).status, 401);
+
+        // A broken authorization request is answered with a page that says why.
+        const Reply broken = service.get(u"/oauth/authorize?client_id=someone-else"_s);
+        QCOMPARE(broken.status, 400);
+        QVERIFY(broken.body.contains("does not know"));
+    }
+
+    void consentPageAndExpiries()
+    {
+        DevService consent;
+        MemorySecretStore store;
+        Auth auth(consent.origin(), store);
+        const Authorization a = auth.begin(QString(Auth::redirectUri));
+        const QString query = a.url.query(QUrl::FullyEncoded);
+        const Reply page = consent.get(u"/oauth/authorize?"_s + query);
+        QCOMPARE(page.status, 200);
+        QVERIFY(page.body.contains(">Allow<") && page.body.contains(">Deny<"));
+        const Reply denied = consent.post(u"/oauth/consent"_s, query.toUtf8() + "&decision=deny",
+                                          "application/x-www-form-urlencoded");
+        QVERIFY(denied.location.contains("error=access_denied"));
+        try {
+            blockingWait(auth.finish(QUrl(QString::fromUtf8(denied.location)), a));
+            QFAIL("a denied sign-in went through");
+        } catch (const AuthError& error) {
+            QCOMPARE(error.description(), u"You did not allow Kestro desktop."_s);
+        }
+        const Reply allowed = consent.post(u"/oauth/consent"_s, query.toUtf8() + "&decision=allow",
+                                           "application/x-www-form-urlencoded");
+        blockingWait(auth.finish(QUrl(QString::fromUtf8(allowed.location)), a));
+        QVERIFY(auth.tokens());
+
+        // Codes and tokens that have run out.
+        DevService expiring({u"--auto-approve"_s, u"--code-ttl"_s, u"0"_s});
+        Auth late(expiring.origin(), store);
+        const Authorization b = late.begin(QString(Auth::redirectUri));
+        try {
+            blockingWait(late.finish(
+                QUrl(QString::fromUtf8(
+                    expiring.get(u"/oauth/authorize?"_s + b.url.query(QUrl::FullyEncoded)).location)),
+                b));
+            QFAIL("an expired code signed in");
+        } catch (const AuthError& error) {
+            QVERIFY2(error.description().contains(u"expired"_s), qPrintable(error.description()));
+        }
+        DevService shortLived({u"--auto-approve"_s, u"--token-ttl"_s, u"0"_s});
+        Session session(shortLived);
+        QCOMPARE(shortLived.action(u"shell/frame"_s, {}, session.access()).status, 401);
+    }
+
+    void actionsAnswerInTheDeclaredShapes()
+    {
+        DevService service({u"--auto-approve"_s, u"--time-scale"_s, u"50"_s});
+        Session session(service);
+        try {
+            const auto frame = blockingWait(Calls::shell::frame());
+            QCOMPARE(frame.workspace.name, u"Northwind Studio"_s);
+            QCOMPARE(frame.workspaces.size(), 2);
+            QVERIFY(frame.kest.size() >= 5);
+            QVERIFY(std::count_if(frame.kest.begin(), frame.kest.end(),
+                                  [](const auto& t) { return t.lead; }) == 1);
+            blockingWait(Calls::home::home());
+            const auto count = blockingWait(Calls::app::notificationCountAction());
+            const auto list = blockingWait(Calls::app::notificationsAction());
+            QCOMPARE(double(list.items.size()), count.unread);
+            blockingWait(Calls::app::readNotificationsAction(JSONValue::Array{list.items[0].id}));
+            QCOMPARE(blockingWait(Calls::app::notificationCountAction()).unread, count.unread - 1);
+
+            const auto posted = blockingWait(
+                Calls::app::postKestMessageAction(JSONValue::Object{{"text", "@atlas compare tools"}}));
+            QVERIFY(!posted.error);
+            QCOMPARE(*posted.started, QList<QString>{u"atlas"_s});
+            const auto room = blockingWait(Calls::kest::kestChat(*posted.threadId));
+            QVERIFY(room.thread);
+            QVERIFY(!room.traces.isEmpty());
+            const QString runId = room.traces.firstKey();
+            blockingWait(Calls::kest::run(u"atlas"_s, runId));
+            blockingWait(Calls::app::reactInKestAction(*posted.threadId, u"👍"_s));
+            const auto empty =
+                blockingWait(Calls::app::postKestMessageAction(JSONValue::Object{{"text", "  "}}));
+            QCOMPARE(empty.error, std::optional<QString>(u"Tell us what you need first, then press Send."_s));
+
+            const auto tasks = blockingWait(Calls::tasks::tasks());
+            QVERIFY(!tasks.tasks.isEmpty());
+            const auto page = blockingWait(Calls::tasks::task(tasks.tasks[0].key));
+            QCOMPARE(page.task.key, tasks.tasks[0].key);
+            const auto made = blockingWait(Calls::app::createTaskAction(
+                JSONValue::Object{{"title", "Write the FAQ"}, {"assignee", "quill"}, {"project", "p1"}}));
+            QVERIFY(made.key);
+            blockingWait(Calls::app::commentOnTaskAction(*made.key, u"Keep it short."_s));
+            blockingWait(Calls::app::watchTaskAction(*made.key, true));
+            blockingWait(Calls::app::reactToTaskAction(*made.key, u"🎉"_s));
+            blockingWait(Calls::app::updateTasksAction(JSONValue::Array{*made.key},
+                                                       JSONValue::Object{{"priority", "high"}}));
+            QVERIFY(blockingWait(Calls::tasks::task(*made.key)).task.watching);
+            const auto projects = blockingWait(Calls::tasks::projects());
+            blockingWait(Calls::tasks::project(projects.projects[0].id));
+
+            const auto sites = blockingWait(Calls::analytics::sites());
+            const QString site = sites.sites[0].siteId;
+            blockingWait(Calls::analytics::dashboard(site));
+            blockingWait(Calls::analytics::settings(site));
+            for (const char* kind :
+                 {"referrer", "country", "device", "browser", "os", "language", "screen", "exit"})
+                QVERIFY(!blockingWait(Calls::app::analyticsBreakdownAction(site, QString::fromLatin1(kind)))
+                             .rows.isEmpty());
+            QVERIFY(!blockingWait(Calls::app::skillOptionsAction()).skills.isEmpty());
+            QVERIFY(!blockingWait(Calls::app::attachablesAction(u"launch"_s)).items.isEmpty());
+            QVERIFY(!blockingWait(Calls::app::paletteAction(u"nova"_s)).items.isEmpty());
+
+            // The viewer's workspace reads but refuses changes, in-band.
+            const QString other =
+                frame.workspaces[0].current ? frame.workspaces[1].id : frame.workspaces[0].id;
+            blockingWait(Calls::app::switchWorkspaceAction(other));
+            QCOMPARE(blockingWait(Calls::shell::frame()).workspace.role, u"viewer"_s);
+            QVERIFY(blockingWait(Calls::app::createTaskAction(JSONValue::Object{{"title", "x"}})).error);
+            blockingWait(Calls::app::switchWorkspaceAction(frame.workspace.id));
+            // A task that is not there is not found.
+            blockingWait(Calls::tasks::task(u"NOR-999"_s));
+            QFAIL("a missing task was found");
+        } catch (const CallError& error) {
+            QCOMPARE(error.description(), u"This page could not be found."_s);
+        } catch (const ServiceError& error) {
+            QFAIL(qPrintable(error.description()));
+        }
+    }
+
+    void teammatesFinishTheirWork()
+    {
+        DevService service({u"--auto-approve"_s, u"--time-scale"_s, u"40"_s});
+        Session session(service);
+        const auto posted = blockingWait(
+            Calls::app::postKestMessageAction(JSONValue::Object{{"text", "Please draft a launch e-mail"}}));
+        QVERIFY(*posted.triaging); // no mention: the lead decides
+        QCOMPARE(*posted.started, QList<QString>{u"quill"_s});
+        QVERIFY(eventually([&] {
+            const auto room = blockingWait(Calls::kest::kestChat(*posted.threadId));
+            return room.thread && room.thread->replies.size() == 1 && room.answering.isEmpty();
+        }));
+        const auto room = blockingWait(Calls::kest::kestChat(*posted.threadId));
+        const auto& reply = room.thread->replies[0];
+        QCOMPARE(reply.from, u"agent"_s);
+        QVERIFY(reply.text.contains(u"## "_s) && reply.text.contains(u"```"_s) &&
+                reply.text.contains(u"[1]"_s));
+        const auto run = blockingWait(Calls::kest::run(u"quill"_s, *reply.runId));
+        QCOMPARE(run.trace.status, u"done"_s);
+        QVERIFY(run.trace.endedAt);
+        QVERIFY(!run.trace.rounds.isEmpty());
+        // The reply made a notification.
+        const auto list = blockingWait(Calls::app::notificationsAction());
+        QVERIFY(std::any_of(list.items.begin(), list.items.end(),
+                            [](const auto& n) { return n.verb == u"replied to"_s; }));
+
+        // A task given to a teammate goes todo -> in_progress -> in_review.
+        const auto made = blockingWait(Calls::app::createTaskAction(
+            JSONValue::Object{{"title", "Collect quotes"}, {"assignee", "atlas"}}));
+        QVERIFY(eventually(
+            [&] { return blockingWait(Calls::tasks::task(*made.key)).task.status == u"in_review"_s; }));
+    }
+
+    void restartKeepsEverything()
+    {
+        QTemporaryDir data;
+        QString key;
+        {
+            DevService first({u"--auto-approve"_s}, data.path());
+            Session session(first);
+            key =
+                *blockingWait(Calls::app::createTaskAction(JSONValue::Object{{"title", "Survive a restart"}}))
+                     .key;
+        }
+        DevService second({u"--auto-approve"_s}, data.path());
+        Session session(second);
+        QCOMPARE(blockingWait(Calls::tasks::task(key)).task.title, u"Survive a restart"_s);
+    }
+
+    void badInputIsRefusedWhole()
+    {
+        DevService service({u"--auto-approve"_s});
+        Session session(service);
+        const QByteArray token = session.access();
+        struct Case {
+            const char* name;
+            QByteArray body;
+            const char* path;
+            int status;
+        };
+        const Case cases[] = {
+            {"malformed JSON", "{\"args\": [", "/api/app/shell/frame", 400},
+            {"args not a list", "{\"args\": 3}", "/api/app/shell/frame", 400},
+            {"no args", "[]", "/api/app/shell/frame", 400},
+            {"unknown action", "{\"args\": []}", "/api/app/shell/nothing", 404},
+            {"unknown module", "{\"args\": []}", "/api/app/nothing/frame", 404},
+            {"wrong argument type", "{\"args\": [3]}", "/api/app/tasks/task", 400},
+            {"missing argument", "{\"args\": []}", "/api/app/tasks/task", 400},
+            {"over 10 MB", "{\"args\": [\"" + QByteArray(11 * 1024 * 1024, 'x') + "\"]}",
+             "/api/app/tasks/task", 413},
+        };
+        for (const Case& c : cases) {
+            const Reply answer = service.post(QString::fromLatin1(c.path), c.body, "application/json", token);
+            QVERIFY2(answer.status == c.status,
+                     qPrintable(u"%1: %2"_s.arg(QLatin1String(c.name)).arg(answer.status)));
+            QVERIFY2(!answer.object().value(u"error"_s).toString().isEmpty(), c.name);
+        }
+        // A change to two tasks, one of them missing, changes neither.
+        const auto tasks = blockingWait(Calls::tasks::tasks());
+        const auto before = tasks.tasks[0];
+        const auto refused = blockingWait(Calls::app::updateTasksAction(
+            JSONValue::Array{before.key, "NOR-404"}, JSONValue::Object{{"status", "canceled"}}));
+        QVERIFY(refused.error);
+        QCOMPARE(blockingWait(Calls::tasks::task(before.key)).task.status, before.status);
+        // A bad member type mid-change rolls the whole change back.
+        const Reply typed = service.action(
+            u"app/updateTasksAction"_s,
+            QJsonArray{QJsonArray{before.key}, QJsonObject{{u"title"_s, u"New"_s}, {u"priority"_s, 5}}},
+            token);
+        QCOMPARE(typed.status, 400);
+        QCOMPARE(blockingWait(Calls::tasks::task(before.key)).task.title, before.title);
+    }
+
+    void webPagesFollowTheSessionCookie()
+    {
+        DevService service({u"--auto-approve"_s});
+        Session session(service);
+        const Reply signedOut = service.get(u"/settings"_s);
+        QCOMPARE(signedOut.status, 302);
+        QCOMPARE(signedOut.location, QByteArray("/login?next=%2Fsettings"));
+        QCOMPARE(service.get(u"/settings"_s, "kestro_app_token=at_not_real").status, 302);
+        const QByteArray cookie = "theme=dark; kestro_app_token=" + session.access();
+        const struct {
+            const char* path;
+            const char* title;
+        } pages[] = {{"/analytics/settings?tab=crawlers", "Analytics settings · Kestro"},
+                     {"/settings", "Settings · Kestro"},
+                     {"/crm/customers", "Customers · Kestro"},
+                     {"/incidents", "Incidents · Kestro"},
+                     {"/tests", "Tests · Kestro"},
+                     {"/surveys", "Surveys · Kestro"},
+                     {"/sessions/replays", "Replays · Kestro"}};
+        for (const auto& page : pages) {
+            const Reply reply = service.get(QString::fromLatin1(page.path), cookie);
+            QCOMPARE(reply.status, 200);
+            QVERIFY2(reply.body.contains("<title>" + QByteArray(page.title) + "</title>"), page.path);
+            QVERIFY(reply.body.contains("data-theme-switch"));
+            QVERIFY(reply.body.contains("kestro:changed"));
+            QVERIFY(reply.body.contains("localStorage.getItem('theme')"));
+            QVERIFY(reply.body.contains("href=\"/incidents\""));
+        }
+        const Reply icon = service.get(u"/api/icons/chatgpt.com"_s);
+        QCOMPARE(icon.status, 200);
+        QVERIFY(icon.body.startsWith("<svg"));
+        QCOMPARE(service.get(u"/api/icons/chatgpt.com"_s).body, icon.body); // the same every time
+        QVERIFY(service.get(u"/api/flags/DE"_s).body.startsWith("<svg"));
+        const Reply feed = service.get(u"/appcast.xml"_s);
+        QCOMPARE(feed.status, 200);
+        QVERIFY(feed.body.contains("<enclosure") && feed.body.contains("sparkle:version=\"0.1.0\""));
+    }
+
+    void concurrentPostsLoseNothing()
+    {
+        DevService service({u"--auto-approve"_s});
+        Session session(service);
+        const QByteArray token = session.access();
+        QList<QNetworkReply*> replies;
+        for (int i = 0; i < 50; ++i) {
+            QNetworkRequest request(service.url(u"/api/app/app/postKestMessageAction"_s));
+            request.setHeader(QNetworkRequest::ContentTypeHeader, "application/json");
+            request.setRawHeader("Authorization", "Bearer " + token);
+            const QJsonObject body{
+                {u"args"_s, QJsonArray{QJsonObject{{u"text"_s, u"@nova note %1"_s.arg(i)}}}}};
+            replies.append(network().post(request, QJsonDocument(body).toJson()));
+        }
+        for (QNetworkReply* reply : replies)
+            QCOMPARE(await(reply).status, 200);
+        const auto room = blockingWait(Calls::kest::kestChat());
+        QSet<QString> texts;
+        for (const auto& message : room.messages)
+            texts.insert(message.text);
+        for (int i = 0; i < 50; ++i)
+            QVERIFY2(texts.contains(u"@nova note %1"_s.arg(i)), qPrintable(QString::number(i)));
+    }
+};
+
+QTEST_GUILESS_MAIN(DevServiceTest)
+#include "tst_devservice.moc"
