@@ -216,7 +216,7 @@ module app {
   saveViewAction;
   scheduleAction(input: ScheduleInput): Model.ActionOutcome;
   seeChangelogAction;
-  sendMessageAction;
+  sendMessageAction(input: JSONValue): Model.ActionOutcome;
   setAgentLimitsAction;
   setAgentPausedAction;
   setAgentPlanAction;

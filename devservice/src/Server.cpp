@@ -83,6 +83,7 @@ std::unique_ptr<httplib::Server> makeServer(Service& service)
     addKestActions(table);
     addTaskActions(table);
     addAnalyticsActions(table);
+    addDirectChatActions(table);
 
     installOAuth(*server, service);
     server->Post(R"(/api/app/([A-Za-z0-9_]+)/([A-Za-z0-9_]+))",

@@ -98,7 +98,22 @@ void finish(Service& service, json& run)
     const json mate = service.teammate(workspace, agent);
     const json by = {
         {"type", "agent"}, {"id", agent}, {"name", mate.value("name", agent)}, {"handle", agent}};
-    if (!run["threadId"].get<std::string>().empty()) {
+    auto direct = run["threadId"].get<std::string>().empty() ? std::nullopt
+                                                             : service.store.get("dmthread", run["threadId"]);
+    if (direct) {
+        // A one-to-one chat: the answer goes into its thread.
+        (*direct)["messages"].push_back({{"id", newId("dm")},
+                                         {"role", "agent"},
+                                         {"text", run["reply"]},
+                                         {"runId", run["id"]},
+                                         {"at", isoNow()}});
+        (*direct)["status"] = "idle";
+        (*direct)["updatedAt"] = isoNow();
+        service.store.put("dmthread", run["threadId"], workspace, *direct);
+        service.notify(workspace, run["author"], "reply", by, "replied to", run["topic"],
+                       "The answer is in your chat.",
+                       "/kest/" + agent + "/chat/" + run["threadId"].get<std::string>());
+    } else if (!run["threadId"].get<std::string>().empty()) {
         const std::string id = newId("m");
         service.store.put(
             "message", id, workspace,

@@ -365,6 +365,22 @@ private slots:
         QVERIFY(std::any_of(list.items.begin(), list.items.end(),
                             [](const auto& n) { return n.verb == u"replied to"_s; }));
 
+        // A one-to-one chat: the thread replies, then goes quiet.
+        const auto started = blockingWait(Calls::app::startThreadAction(
+            JSONValue::Object{{"handle", "forge"}, {"text", "Is the build green?"}}));
+        QVERIFY(started.id);
+        QCOMPARE(blockingWait(Calls::kest::thread(u"forge"_s, *started.id)).thread->status, u"replying"_s);
+        QVERIFY(eventually([&] {
+            return blockingWait(Calls::kest::thread(u"forge"_s, *started.id)).thread->status == u"idle"_s;
+        }));
+        const auto chat = blockingWait(Calls::kest::thread(u"forge"_s, *started.id));
+        QCOMPARE(chat.thread->messages.size(), 2);
+        QCOMPARE(chat.thread->messages[1].role, u"agent"_s);
+        QCOMPARE(blockingWait(Calls::kest::chat(u"forge"_s)).threads.size(), 1);
+        const auto followUp = blockingWait(
+            Calls::app::sendMessageAction(JSONValue::Object{{"threadId", *started.id}, {"text", "Thanks!"}}));
+        QVERIFY(followUp.done.value_or(false));
+
         // A task given to a teammate goes todo -> in_progress -> in_review.
         const auto made = blockingWait(Calls::app::createTaskAction(
             JSONValue::Object{{"title", "Collect quotes"}, {"assignee", "atlas"}}));
