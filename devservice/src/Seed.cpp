@@ -13,41 +13,6 @@ json teammateView(const char* handle, const char* name, const char* title, bool 
                 {"area", area},     {"role", role}};
 }
 
-json summaryBase(Service& service, const std::string& workspace, const std::string& title,
-                 const std::string& status, const std::string& area, const json& assignee, double at)
-{
-    const int number = service.store.next("task:" + workspace);
-    const std::string prefix = workspace == "w1" ? "NOR" : "LAK";
-    return json{{"number", number},
-                {"id", newId("t")},
-                {"version", 1},
-                {"blocked", false},
-                {"key", prefix + "-" + std::to_string(number)},
-                {"createdAt", iso(at)},
-                {"updatedAt", iso(at)},
-                {"title", title},
-                {"area", area},
-                {"status", status},
-                {"waiting", 0},
-                {"priority", "medium"},
-                {"assignee", assignee},
-                {"areaDefault", true},
-                {"labels", json::array()},
-                {"sortOrder", number},
-                {"subOrder", 0},
-                {"waitsOn", json::array()},
-                {"progress", {{"done", 0}, {"total", 0}}},
-                {"comments", 0},
-                {"createdBy", {{"type", "person"}, {"id", "u1"}, {"name", "Maya Lindqvist"}}},
-                {"description", ""},
-                {"watchers", json::array()},
-                {"watching", false},
-                {"reactions", json::array()},
-                {"attachments", json::array()},
-                {"asks", json::array()},
-                {"activity", json::array()}};
-}
-
 } // namespace
 
 void seed(Service& service)
@@ -127,16 +92,17 @@ void seed(Service& service)
              "Nova has a question about step 4."},
         };
         for (const Seeded& s : seeded) {
-            json task = summaryBase(service, "w1", s.title, s.status, s.area, s.assignee, t0 - 86400 * 3);
-            if (s.assignee.is_null())
-                task.erase("assignee");
+            json task = service.newTask("w1", s.title, s.status, s.area, "u1", t0 - 86400 * 3);
+            if (!s.assignee.is_null())
+                task["assignee"] = s.assignee;
             task["description"] = s.description;
             task["project"] = {{"id", "p1"}, {"name", "Spring launch"}};
             if (std::string(s.status) == "done")
                 task["closedAt"] = iso(t0 - 3600);
             store.put("task", task["id"].get<std::string>(), "w1", task);
         }
-        json other = summaryBase(service, "w2", "Order lab supplies", "todo", "operations", nova, t0 - 7200);
+        json other = service.newTask("w2", "Order lab supplies", "todo", "operations", "u2", t0 - 7200);
+        other["assignee"] = nova;
         store.put("task", other["id"].get<std::string>(), "w2", other);
 
         // The room's first messages.

@@ -42,6 +42,40 @@ json Service::person(const std::string& user)
     return json{{"id", user}, {"name", (*found)["name"]}, {"email", (*found)["email"]}};
 }
 
+json Service::newTask(const std::string& workspace, const std::string& title, const std::string& status,
+                      const std::string& area, const std::string& author, double at)
+{
+    const int number = store.next("task:" + workspace);
+    const std::string prefix = workspace == "w1" ? "NOR" : "LAK";
+    return json{{"number", number},
+                {"id", newId("t")},
+                {"version", 1},
+                {"blocked", false},
+                {"key", prefix + "-" + std::to_string(number)},
+                {"createdAt", iso(at)},
+                {"updatedAt", iso(at)},
+                {"title", title},
+                {"area", area},
+                {"status", status},
+                {"waiting", 0},
+                {"priority", "medium"},
+                {"areaDefault", true},
+                {"labels", json::array()},
+                {"sortOrder", number},
+                {"subOrder", 0},
+                {"waitsOn", json::array()},
+                {"progress", {{"done", 0}, {"total", 0}}},
+                {"comments", 0},
+                {"createdBy", {{"type", "person"}, {"id", author}, {"name", person(author)["name"]}}},
+                {"description", ""},
+                {"watchers", json::array()},
+                {"watching", false},
+                {"reactions", json::array()},
+                {"attachments", json::array()},
+                {"asks", json::array()},
+                {"activity", json::array()}};
+}
+
 void Service::notify(const std::string& workspace, const std::string& user, const std::string& kind,
                      const json& by, const std::string& verb, const std::string& title,
                      const std::string& text, const std::string& href)

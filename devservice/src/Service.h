@@ -39,6 +39,10 @@ struct Service {
     std::vector<json> teammates(const std::string& workspace);
     json teammate(const std::string& workspace, const std::string& handle);
     json person(const std::string& user);
+    // A new task document (Model.TaskView) with the next number of its
+    // workspace, created by `author` (a person's id) at `at`.
+    json newTask(const std::string& workspace, const std::string& title, const std::string& status,
+                 const std::string& area, const std::string& author, double at);
     // Adds a notification for a user; `by` is an actor record.
     void notify(const std::string& workspace, const std::string& user, const std::string& kind,
                 const json& by, const std::string& verb, const std::string& title, const std::string& text,

@@ -171,37 +171,12 @@ json createTask(ActionContext& ctx, const json& args)
     const std::string status = memberText(input, "status").value_or("todo");
     if (std::find(std::begin(statuses), std::end(statuses), status) == std::end(statuses))
         return {{"error", "\"" + status + "\" is not a status a task can have."}};
-    const int number = s.store.next("task:" + ctx.caller.workspace);
-    const std::string prefix = ctx.caller.workspace == "w1" ? "NOR" : "LAK";
-    const std::string key = prefix + "-" + std::to_string(number);
-    const json author = s.person(ctx.caller.user);
-    json task = {{"number", number},
-                 {"id", newId("t")},
-                 {"version", 1},
-                 {"blocked", false},
-                 {"key", key},
-                 {"createdAt", isoNow()},
-                 {"updatedAt", isoNow()},
-                 {"title", title},
-                 {"area", memberText(input, "area").value_or("operations")},
-                 {"status", status},
-                 {"waiting", 0},
-                 {"priority", memberText(input, "priority").value_or("medium")},
-                 {"areaDefault", !input.contains("area")},
-                 {"labels", json::array()},
-                 {"sortOrder", number},
-                 {"subOrder", 0},
-                 {"waitsOn", json::array()},
-                 {"progress", {{"done", 0}, {"total", 0}}},
-                 {"comments", 0},
-                 {"createdBy", {{"type", "person"}, {"id", ctx.caller.user}, {"name", author["name"]}}},
-                 {"description", memberText(input, "description").value_or("")},
-                 {"watchers", json::array()},
-                 {"watching", false},
-                 {"reactions", json::array()},
-                 {"attachments", json::array()},
-                 {"asks", json::array()},
-                 {"activity", json::array()}};
+    json task = s.newTask(ctx.caller.workspace, title, status,
+                          memberText(input, "area").value_or("operations"), ctx.caller.user, now());
+    task["priority"] = memberText(input, "priority").value_or("medium");
+    task["areaDefault"] = !input.contains("area");
+    task["description"] = memberText(input, "description").value_or("");
+    const std::string key = task["key"];
     if (const auto assignee = memberText(input, "assignee")) {
         const json mate = s.teammate(ctx.caller.workspace, *assignee);
         if (!mate.is_null())

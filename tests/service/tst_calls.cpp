@@ -3,8 +3,8 @@
 // sent as text fails with its path; the calls send their arguments in place;
 // all 397 catalog actions can be called; realistic answers decode.
 
-#include "FakeService.h"
 #include "RecordSamples.h"
+#include "SignedInClient.h"
 
 #include "calls/Calls.h"
 #include "service/ActionCatalog.h"
@@ -25,21 +25,8 @@ using namespace Qt::Literals::StringLiterals;
 namespace {
 
 // A signed-in client at a fake service, made the process's own.
-struct Rig {
-    FakeService service;
-    MemorySecretStore store;
-    std::unique_ptr<Auth> auth;
-    std::unique_ptr<Client> client;
-    Rig()
-    {
-        if (!service.start())
-            qFatal("The test server could not listen on 127.0.0.1.");
-        auth = std::make_unique<Auth>(service.origin(), store);
-        const auto [access, refresh] = service.issueTokens();
-        blockingWait(auth->store(Tokens{access, refresh, QDateTime::currentDateTimeUtc().addSecs(3600)}));
-        client = std::make_unique<Client>(service.origin(), *auth);
-        Client::setShared(client.get());
-    }
+struct Rig : SignedInClient {
+    Rig() { Client::setShared(client.get()); }
     ~Rig() { Client::setShared(nullptr); }
     void answer(const QByteArray& body)
     {

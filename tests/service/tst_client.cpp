@@ -2,7 +2,7 @@
 // builds, the single refresh-and-repeat, sign-in redirects, effects, cookies,
 // and the errors a broken answer or network ends in.
 
-#include "FakeService.h"
+#include "SignedInClient.h"
 
 #include "service/AppLink.h"
 #include "service/Auth.h"
@@ -36,26 +36,10 @@ public:
     QStringList setups;
 };
 
-// One client, signed in at a fake service.
-struct Rig {
-    FakeService service;
-    MemorySecretStore store;
-    std::unique_ptr<Auth> auth;
-    std::unique_ptr<Client> client;
+// One client, signed in at a fake service, with the app link recorded.
+struct Rig : SignedInClient {
     RecordingApp app;
-    QString access;
-
-    Rig()
-    {
-        if (!service.start())
-            qFatal("The test server could not listen on 127.0.0.1.");
-        auth = std::make_unique<Auth>(service.origin(), store);
-        const auto [a, r] = service.issueTokens();
-        access = a;
-        blockingWait(auth->store(Tokens{a, r, QDateTime::currentDateTimeUtc().addSecs(3600)}));
-        client = std::make_unique<Client>(service.origin(), *auth);
-        client->setAppLink(&app);
-    }
+    Rig() { client->setAppLink(&app); }
 
     int actionRequests() const
     {

@@ -104,12 +104,14 @@ private slots:
 
         // A declared action prints its record encoded again: what the record
         // does not declare is gone, and a mismatch fails with its path.
-        const Run typed = kestroctl({u"--origin"_s, origin, u"call"_s, u"app"_s, u"notificationCountAction"_s});
+        const Run typed =
+            kestroctl({u"--origin"_s, origin, u"call"_s, u"app"_s, u"notificationCountAction"_s});
         QCOMPARE(typed.exit, 0);
         QCOMPARE(QJsonDocument::fromJson(typed.out.toUtf8()).object(), (QJsonObject{{u"unread"_s, 3}}));
         const Run mismatch = kestroctl({u"--origin"_s, origin, u"call"_s, u"kest"_s, u"kestChat"_s});
         QCOMPARE(mismatch.exit, 3);
-        QCOMPARE(mismatch.err.trimmed(), u"The answer did not read: kest/kestChat: missing .value.messages."_s);
+        QCOMPARE(mismatch.err.trimmed(),
+                 u"The answer did not read: kest/kestChat: missing .value.messages."_s);
 
         auto exitOf = [&](const char* action) {
             return kestroctl({u"--origin"_s, origin, u"call"_s, u"m"_s, QString::fromLatin1(action)});
