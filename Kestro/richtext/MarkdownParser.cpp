@@ -67,12 +67,6 @@ const QRegularExpression& tableDelimiter()
     static const QRegularExpression re = compiled("^ {0,3}\\|?\\s*:?-+:?\\s*(\\|\\s*:?-+:?\\s*)*\\|?\\s*$");
     return re;
 }
-const QRegularExpression& trailingSpace()
-{
-    static const QRegularExpression re = compiled("\\s+$");
-    return re;
-}
-
 bool isBlank(const QString& line)
 {
     for (QChar c : line)
@@ -89,6 +83,39 @@ qsizetype leadingSpaces(const QString& line)
     return n;
 }
 
+// The first character after up to three spaces of indent: every block
+// pattern but the table's is anchored there, so most lines are ruled out
+// without running a pattern at all.
+QChar lead(const QString& line)
+{
+    for (qsizetype i = 0; i < line.size() && i < 4; ++i)
+        if (line[i] != QLatin1Char(' '))
+            return line[i];
+    return QChar();
+}
+
+bool mayBeFence(QChar c)
+{
+    return c == QLatin1Char('`') || c == QLatin1Char('~');
+}
+bool mayBeBreak(QChar c)
+{
+    return c == QLatin1Char('*') || c == QLatin1Char('-') || c == QLatin1Char('_');
+}
+bool mayBeMarker(QChar c)
+{
+    return c == QLatin1Char('-') || c == QLatin1Char('*') || c == QLatin1Char('+') || c.isDigit();
+}
+
+// Removes trailing white space (the pattern "\s+$", written out).
+QString withoutTrailingSpace(const QString& line)
+{
+    qsizetype end = line.size();
+    while (end > 0 && line[end - 1].isSpace())
+        --end;
+    return line.left(end);
+}
+
 bool mayInterrupt(const Marker& marker)
 {
     return !marker.rest.trimmed().isEmpty() && (!marker.ordered || marker.number == 1);
@@ -99,8 +126,7 @@ QString joinParagraph(const QStringList& lines)
     QString out;
     for (qsizetype i = 0; i < lines.size(); ++i) {
         const QString& line = lines[i];
-        QString trimmed = line;
-        trimmed.remove(trailingSpace());
+        QString trimmed = withoutTrailingSpace(line);
         if (i + 1 == lines.size()) {
             out += trimmed;
         } else if (line.endsWith(QLatin1String("  "))) {
@@ -147,6 +173,10 @@ struct Loop {
         QStringList content;
         qsizetype j = i + 1;
         for (; j < lines.size(); ++j) {
+            if (!mayBeFence(lead(lines[j]))) {
+                content.append(lines[j].mid(std::min(leadingSpaces(lines[j]), indent)));
+                continue;
+            }
             const QRegularExpressionMatch close = closingFence().match(lines[j]);
             if (close.hasMatch() && close.captured(1)[0] == run[0] && close.capturedLength(1) >= run.size())
                 break;
@@ -167,7 +197,8 @@ struct Loop {
         QStringList content{quoteLine().match(lines[i]).captured(1)};
         qsizetype j = i + 1;
         for (; j < lines.size(); ++j) {
-            const QRegularExpressionMatch more = quoteLine().match(lines[j]);
+            const QRegularExpressionMatch more =
+                lead(lines[j]) == QLatin1Char('>') ? quoteLine().match(lines[j]) : QRegularExpressionMatch();
             if (more.hasMatch()) {
                 content.append(more.captured(1));
                 continue;
@@ -263,11 +294,16 @@ struct Loop {
                 ++i;
                 continue;
             }
-            if (const QRegularExpressionMatch open = openingFence().match(line); open.hasMatch()) {
+            const QChar first = lead(line);
+            if (const QRegularExpressionMatch open =
+                    mayBeFence(first) ? openingFence().match(line) : QRegularExpressionMatch();
+                open.hasMatch()) {
                 i = fence(i, open);
                 continue;
             }
-            if (const QRegularExpressionMatch atx = atxHeading().match(line); atx.hasMatch()) {
+            if (const QRegularExpressionMatch atx =
+                    first == QLatin1Char('#') ? atxHeading().match(line) : QRegularExpressionMatch();
+                atx.hasMatch()) {
                 flush();
                 MarkdownBlock heading;
                 heading.kind = MarkdownBlock::Kind::Heading;
@@ -277,7 +313,7 @@ struct Loop {
                 ++i;
                 continue;
             }
-            if (!pending.isEmpty()) {
+            if (!pending.isEmpty() && (first == QLatin1Char('=') || first == QLatin1Char('-'))) {
                 if (const QRegularExpressionMatch setext = setextUnderline().match(line); setext.hasMatch()) {
                     MarkdownBlock heading;
                     heading.kind = MarkdownBlock::Kind::Heading;
@@ -289,18 +325,18 @@ struct Loop {
                     continue;
                 }
             }
-            if (thematicBreak().match(line).hasMatch()) {
+            if (mayBeBreak(first) && thematicBreak().match(line).hasMatch()) {
                 flush();
                 out.push_back(MarkdownBlock{MarkdownBlock::Kind::Rule});
                 ++i;
                 continue;
             }
             const bool nests = depth < maximumDepth;
-            if (nests && quoteLine().match(line).hasMatch()) {
+            if (nests && first == QLatin1Char('>') && quoteLine().match(line).hasMatch()) {
                 i = quote(i);
                 continue;
             }
-            if (const std::optional<Marker> marker = parseMarker(line);
+            if (const std::optional<Marker> marker = mayBeMarker(first) ? parseMarker(line) : std::nullopt;
                 nests && marker && (pending.isEmpty() || mayInterrupt(*marker))) {
                 flush();
                 i = list(i, *marker);
@@ -365,9 +401,14 @@ std::optional<Marker> parseMarker(const QString& line)
 
 bool startsBlock(const QString& line)
 {
-    if (openingFence().match(line).hasMatch() || atxHeading().match(line).hasMatch() ||
-        thematicBreak().match(line).hasMatch() || quoteLine().match(line).hasMatch())
+    const QChar first = lead(line);
+    if ((mayBeFence(first) && openingFence().match(line).hasMatch()) ||
+        (first == QLatin1Char('#') && atxHeading().match(line).hasMatch()) ||
+        (mayBeBreak(first) && thematicBreak().match(line).hasMatch()) ||
+        (first == QLatin1Char('>') && quoteLine().match(line).hasMatch()))
         return true;
+    if (!mayBeMarker(first))
+        return false;
     const std::optional<Marker> marker = parseMarker(line);
     return marker && mayInterrupt(*marker);
 }
