@@ -1,0 +1,124 @@
+import QtQuick
+import Kestro
+
+// A code well: optional title bar with the copy button, optional line
+// numbers from `start`, one marked line, tones for JavaScript, TypeScript
+// and JSON, whole-line tints for "diff".
+Rectangle {
+    id: block
+    required property var theme
+    property string code
+    property string lang
+    property string title
+    property bool numbers: false
+    property int start: 1
+    property int mark: 0
+    property bool bare: false
+    property bool danger: false
+    property bool copied: false
+
+    readonly property var lines: CodeView.lines(code, lang, start, mark, bare, theme.tones)
+    implicitHeight: column.height
+    height: implicitHeight
+    radius: bare ? 0 : 8
+    color: bare ? "transparent" : theme.well
+    border.width: bare ? 0 : 1
+    border.color: danger ? theme.danger : theme.line
+
+    Column {
+        id: column
+        width: block.width
+
+        Item {
+            visible: !block.bare
+            width: parent.width
+            height: 30
+            Text {
+                anchors.left: parent.left
+                anchors.leftMargin: 12
+                anchors.verticalCenter: parent.verticalCenter
+                text: block.title !== "" ? block.title : block.lang
+                color: block.danger ? block.theme.danger : block.theme.muted
+                font.family: block.theme.mono
+                font.pixelSize: 12
+            }
+            Rectangle {
+                id: copyButton
+                anchors.right: parent.right
+                anchors.rightMargin: 6
+                anchors.verticalCenter: parent.verticalCenter
+                width: 24
+                height: 24
+                radius: 6
+                color: copyArea.containsMouse ? block.theme.line : "transparent"
+                Accessible.role: Accessible.Button
+                Accessible.name: block.copied ? "Copied" : "Copy the code"
+                Accessible.onPressAction: copyArea.clicked(null)
+                Image {
+                    anchors.centerIn: parent
+                    width: 14
+                    height: 14
+                    sourceSize: Qt.size(28, 28)
+                    source: "image://icon/" + (block.copied ? "check" : "copy") + "?color="
+                            + encodeURIComponent(block.theme.muted)
+                }
+                MouseArea {
+                    id: copyArea
+                    anchors.fill: parent
+                    hoverEnabled: true
+                    cursorShape: Qt.PointingHandCursor
+                    onClicked: {
+                        CodeView.copy(block.code)
+                        block.copied = true
+                        copiedTimer.restart()
+                    }
+                }
+                Timer {
+                    id: copiedTimer
+                    interval: 1600
+                    onTriggered: block.copied = false
+                }
+            }
+        }
+
+        Column {
+            width: parent.width
+            bottomPadding: block.bare ? 0 : 8
+            topPadding: block.bare ? 0 : 2
+            Repeater {
+                model: block.lines
+                delegate: Rectangle {
+                    required property var modelData
+                    width: column.width
+                    height: codeLine.height
+                    color: modelData.tint === "marked" ? block.theme.mark
+                         : modelData.tint === "added" ? block.theme.added
+                         : modelData.tint === "removed" ? block.theme.removed : "transparent"
+                    Row {
+                        spacing: 12
+                        leftPadding: 12
+                        Text {
+                            visible: block.numbers
+                            width: 24
+                            horizontalAlignment: Text.AlignRight
+                            text: modelData.number
+                            color: block.theme.muted
+                            font.family: block.theme.mono
+                            font.pixelSize: 13
+                        }
+                        TextEdit {
+                            id: codeLine
+                            readOnly: true
+                            selectByMouse: true
+                            textFormat: TextEdit.RichText
+                            text: modelData.html
+                            color: block.danger ? block.theme.danger : block.theme.text
+                            font.family: block.theme.mono
+                            font.pixelSize: 13
+                        }
+                    }
+                }
+            }
+        }
+    }
+}

@@ -1,0 +1,68 @@
+import QtQuick
+import Kestro
+
+// A file's text beside a proposed new text: kept, removed and added lines
+// with both line numbers, removals first at each change.
+Rectangle {
+    id: diff
+    required property var theme
+    property string oldText
+    property string newText
+
+    readonly property var rows: CodeView.diff(oldText, newText)
+    readonly property bool same: oldText === newText
+    implicitHeight: same ? message.implicitHeight + 24 : list.height + 16
+    height: implicitHeight
+    radius: 8
+    color: theme.well
+    border.width: 1
+    border.color: theme.line
+
+    Text {
+        id: message
+        visible: diff.same
+        anchors.centerIn: parent
+        text: CodeView.noChangeText()
+        color: diff.theme.muted
+        font.family: diff.theme.sans
+        font.pixelSize: 13
+    }
+    Column {
+        id: list
+        visible: !diff.same
+        y: 8
+        width: diff.width
+        Repeater {
+            model: diff.same ? [] : diff.rows
+            delegate: Rectangle {
+                required property var modelData
+                width: list.width
+                height: 19
+                color: modelData.kind === "added" ? diff.theme.added
+                     : modelData.kind === "removed" ? diff.theme.removed : "transparent"
+                Row {
+                    spacing: 8
+                    leftPadding: 8
+                    Repeater {
+                        model: [modelData.oldNumber, modelData.newNumber]
+                        delegate: Text {
+                            required property var modelData
+                            width: 28
+                            horizontalAlignment: Text.AlignRight
+                            text: modelData > 0 ? modelData : ""
+                            color: diff.theme.muted
+                            font.family: diff.theme.mono
+                            font.pixelSize: 12
+                        }
+                    }
+                    Text {
+                        text: (modelData.kind === "added" ? "+ " : modelData.kind === "removed" ? "- " : "  ") + modelData.text
+                        color: diff.theme.text
+                        font.family: diff.theme.mono
+                        font.pixelSize: 12
+                    }
+                }
+            }
+        }
+    }
+}

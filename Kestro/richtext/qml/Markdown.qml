@@ -1,0 +1,43 @@
+import QtQuick
+import Kestro
+
+// The one Markdown view: parses `text` into blocks and lays them out.
+// Links: "#..." go to `anchorClicked` (citations), app paths to
+// `pathClicked` (the router), everything else to the system.
+Item {
+    id: root
+    property string text
+    property bool dark: false
+    property bool document: false
+    property int citations: 0
+    property bool images: false
+    property real size: 14
+    signal anchorClicked(string anchor)
+    signal pathClicked(string path)
+
+    implicitHeight: stack.implicitHeight
+    height: implicitHeight
+
+    Theme { id: theme; dark: root.dark }
+    MarkdownDocument {
+        id: model
+        text: root.text
+        citations: root.citations
+        images: root.images
+    }
+    MarkdownStack {
+        id: stack
+        width: root.width
+        theme: theme
+        blocks: model.blocks
+        size: root.document ? root.size + 1 : root.size
+        document: root.document
+        onLinkClicked: link => {
+            switch (model.linkTarget(link)) {
+            case "anchor": root.anchorClicked(link); break
+            case "app": root.pathClicked(link); break
+            default: Qt.openUrlExternally(link)
+            }
+        }
+    }
+}

@@ -1,0 +1,67 @@
+import QtQuick
+
+// A bullet or ordered list. Ordered numbers count from `start`, end in "."
+// whatever delimiter the source used, and align right in their column.
+Column {
+    id: list
+    required property var theme
+    property bool ordered: false
+    property int start: 1
+    property var items: []
+    property real size: 14
+    signal linkClicked(string link)
+
+    spacing: 4
+
+    TextMetrics {
+        id: widest
+        font.family: list.theme.sans
+        font.pixelSize: list.size
+        text: (list.start + list.items.length - 1) + "."
+    }
+    readonly property real markerWidth: ordered ? widest.advanceWidth : list.size * 0.7
+
+    Repeater {
+        model: list.items
+        delegate: Row {
+            id: row
+            required property var modelData
+            required property int index
+            spacing: 8
+            width: list.width
+
+            Item {
+                width: list.markerWidth
+                height: list.size * 1.45
+                Text {
+                    visible: row.modelData.task === undefined || row.modelData.task === null
+                    anchors.right: parent.right
+                    anchors.baseline: parent.top
+                    anchors.baselineOffset: list.size * 1.15
+                    color: list.theme.muted
+                    font.family: list.theme.sans
+                    font.pixelSize: list.size
+                    text: list.ordered ? (list.start + row.index) + "." : "•"
+                }
+                TaskBox {
+                    visible: row.modelData.task === true || row.modelData.task === false
+                    theme: list.theme
+                    done: row.modelData.task === true
+                    anchors.right: parent.right
+                    anchors.verticalCenter: parent.verticalCenter
+                }
+            }
+            Loader {
+                id: content
+                width: list.width - list.markerWidth - 8
+                // Items hold blocks, lists among them: loaded by name for the recursion.
+                Component.onCompleted: setSource("MarkdownStack.qml", {
+                    theme: list.theme, blocks: row.modelData.blocks, size: list.size, spacing: 4 })
+                onLoaded: {
+                    item.width = Qt.binding(() => content.width)
+                    item.linkClicked.connect(list.linkClicked)
+                }
+            }
+        }
+    }
+}

@@ -1,0 +1,26 @@
+import QtQuick
+
+// Blocks laid out one under another.
+Column {
+    id: stack
+    required property var theme
+    property var blocks: []
+    property real size: 14
+    property bool document: false
+    signal linkClicked(string link)
+
+    spacing: document ? 14 : 10
+
+    Repeater {
+        model: stack.blocks
+        delegate: MarkdownBlockView {
+            required property var modelData
+            width: stack.width
+            block: modelData
+            theme: stack.theme
+            size: stack.size
+            document: stack.document
+            onLinkClicked: link => stack.linkClicked(link)
+        }
+    }
+}

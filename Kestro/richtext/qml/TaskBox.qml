@@ -1,0 +1,25 @@
+import QtQuick
+
+// The small rounded box of a task item, ticked when done.
+Rectangle {
+    required property var theme
+    property bool done: false
+    width: 14
+    height: 14
+    radius: 4
+    color: done ? theme.link : "transparent"
+    border.width: done ? 0 : 1.5
+    border.color: theme.muted
+    Accessible.role: Accessible.CheckBox
+    Accessible.name: done ? "Done" : "Not done"
+    Accessible.checked: done
+
+    Image {
+        anchors.centerIn: parent
+        visible: parent.done
+        width: 11
+        height: 11
+        sourceSize: Qt.size(22, 22)
+        source: "image://icon/check?color=%23ffffff"
+    }
+}
