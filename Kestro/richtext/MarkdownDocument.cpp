@@ -14,7 +14,7 @@ QString runHtml(const Inline::Run& run, bool images)
     if (run.image) {
         // Only images the caller allows are shown; otherwise their description.
         if (images && Inline::isOwnImage(*run.image))
-            return QStringLiteral("<img src=\"image://own%1\" alt=\"%2\">")
+            return QStringLiteral("<img src=\"image://own%1\" alt=\"%2\" width=\"480\">")
                 .arg(run.image->toHtmlEscaped(), text);
         text = QStringLiteral("[%1]").arg(text);
     }

@@ -2,6 +2,7 @@
 
 #include "CodeView.h"
 #include "MarkdownDocument.h"
+#include "OwnImageProvider.h"
 
 #include <QQmlEngine>
 
@@ -12,6 +13,11 @@ void registerRichTextTypes()
     qmlRegisterType<MarkdownDocument>("Kestro", 1, 0, "MarkdownDocument");
     static CodeView codeView;
     qmlRegisterSingletonInstance("Kestro", 1, 0, "CodeView", &codeView);
+}
+
+void addRichTextImageProviders(QQmlEngine& engine)
+{
+    engine.addImageProvider(QStringLiteral("own"), new OwnImageProvider);
 }
 
 } // namespace Kestro

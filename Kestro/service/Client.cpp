@@ -122,6 +122,36 @@ QCoro::Task<QJsonValue> Client::callAnswer(QString module, QString action, QList
     co_return value;
 }
 
+QCoro::Task<QByteArray> Client::download(QString path, bool retry)
+{
+    const std::optional<QString> token = co_await m_auth.accessToken();
+    if (!token) {
+        appSignOut();
+        throw CallError::signedOut();
+    }
+    QUrl url = m_origin;
+    url.setPath(QString(), QUrl::TolerantMode);
+    url = url.resolved(QUrl(path));
+    if (url.host() != m_origin.host())
+        throw CallError::notFound(); // only the service's own files carry the token
+    QNetworkRequest request(url);
+    request.setTransferTimeout(60'000);
+    request.setRawHeader("Authorization", "Bearer " + token->toUtf8());
+    request.setRawHeader("User-Agent", clientUserAgent());
+    const HttpAnswer answer = co_await exchange(m_network.get(request));
+    if (answer.status == 401) {
+        if (!retry) {
+            appSignOut();
+            throw CallError::signedOut();
+        }
+        co_await m_auth.refresh(*token);
+        co_return co_await download(path, false);
+    }
+    if (answer.status < 200 || answer.status > 299)
+        throw CallError::http(answer.status, QString::fromUtf8(answer.body.left(500)));
+    co_return answer.body;
+}
+
 void Client::applyCookie(const CallEffects::Cookie& cookie)
 {
     const JSONValue& options = cookie.options.value_or(JSONValue());

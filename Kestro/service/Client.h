@@ -51,6 +51,11 @@ public:
     QCoro::Task<QJsonValue> callAnswer(QString module, QString action, QList<JSONValue> args,
                                        bool retry = true);
 
+    // Fetches a file of the service (an image stored with a document) with
+    // the user's token: one refresh-and-repeat on a 401, CallError::http for
+    // any other failing status.
+    QCoro::Task<QByteArray> download(QString path, bool retry = true);
+
     // A typed call: decodes the answer's "value" as T. A shape problem
     // becomes CallError::decode with "<module>/<action>: <where and what>".
     template <typename T> QCoro::Task<T> fetch(QString module, QString action, QList<JSONValue> args);

@@ -304,6 +304,34 @@ private slots:
         QVERIFY(refused.description().endsWith(u"Check the connection and try again."_s));
     }
 
+    void downloads()
+    {
+        Rig rig;
+        rig.service.setFileHandler([](const TestHttpServer::Request& request) {
+            return TestHttpServer::Response{200, "bytes of " + request.path(), "image/png"};
+        });
+        QCOMPARE(blockingWait(rig.client->download(u"/api/docs/a/images/1.png"_s)),
+                 QByteArray("bytes of /api/docs/a/images/1.png"));
+        QCOMPARE(rig.service.server.requests().last().header("authorization"),
+                 "Bearer " + rig.access.toUtf8());
+        rig.service.expireAccess(rig.access); // one refresh, then the file
+        QCOMPARE(blockingWait(rig.client->download(u"/x.png"_s)), QByteArray("bytes of /x.png"));
+        QCOMPARE(rig.service.tokenRequests, 1);
+        try {
+            blockingWait(rig.client->download(u"https://elsewhere.example/x.png"_s));
+            QFAIL("a foreign address got the token");
+        } catch (const CallError& error) {
+            QCOMPARE(error, CallError::notFound());
+        }
+        rig.service.setFileHandler([](auto&&) { return TestHttpServer::Response{404, "gone"}; });
+        try {
+            blockingWait(rig.client->download(u"/missing.png"_s));
+            QFAIL("a missing file downloaded");
+        } catch (const CallError& error) {
+            QCOMPARE(error.status(), 404);
+        }
+    }
+
     void cookies()
     {
         Rig rig;

@@ -125,6 +125,12 @@ TestHttpServer::Response FakeService::handle(const TestHttpServer::Request& requ
                                       {QStringLiteral("action"), QString::fromUtf8(parts.value(1))},
                                       {QStringLiteral("args"), args}});
     }
+    if (m_files && request.method == "GET") {
+        const QByteArray auth = request.header("authorization");
+        if (!auth.startsWith("Bearer ") || !isValidAccess(auth.mid(7)))
+            return {401, "{}"};
+        return m_files(request);
+    }
     return {404, R"({"error":"no such path"})"};
 }
 

@@ -30,6 +30,9 @@ public:
     QPair<QString, QString> issueTokens();
 
     void setActionHandler(ActionHandler handler) { m_actions = std::move(handler); }
+    // Answers GET requests for other paths (files of the service), when set.
+    using FileHandler = std::function<TestHttpServer::Response(const TestHttpServer::Request& request)>;
+    void setFileHandler(FileHandler handler) { m_files = std::move(handler); }
     bool isValidAccess(const QByteArray& token) const { return m_access.contains(QString::fromUtf8(token)); }
     void expireAccess(const QString& token) { m_access.remove(token); }
 
@@ -54,6 +57,7 @@ private:
     QSet<QString> m_refresh;
     int m_counter = 0;
     ActionHandler m_actions;
+    FileHandler m_files;
 };
 
 // Answers {"value": value} with optional extra members beside it.

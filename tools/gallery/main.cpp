@@ -48,6 +48,7 @@ int main(int argc, char** argv)
     QQmlEngine engine;
     engine.addImportPath(QStringLiteral("qrc:/"));
     engine.addImageProvider(QStringLiteral("icon"), new Kestro::IconProvider);
+    Kestro::addRichTextImageProviders(engine);
     QFile sample(QStringLiteral(":/gallery/sample.md"));
     sample.open(QIODevice::ReadOnly);
     QQmlComponent component(&engine, QUrl(QStringLiteral("qrc:/gallery/Gallery.qml")));
