@@ -6,13 +6,11 @@
 #include "service/Codec.h"
 #include "service/Wire.h"
 
+#include "Median.h"
+
 #include <QCoreApplication>
 #include <QJsonDocument>
 #include <QTextStream>
-
-#include <algorithm>
-#include <chrono>
-#include <vector>
 
 using namespace Kestro;
 using namespace Qt::Literals::StringLiterals;
@@ -100,19 +98,6 @@ QByteArray makeAnswer(qsizetype targetBytes)
     return out;
 }
 
-template <typename F> double medianMicros(int rounds, F&& work)
-{
-    std::vector<double> samples;
-    for (int i = 0; i < rounds; ++i) {
-        const auto start = std::chrono::steady_clock::now();
-        work();
-        samples.push_back(
-            std::chrono::duration<double, std::micro>(std::chrono::steady_clock::now() - start).count());
-    }
-    std::sort(samples.begin(), samples.end());
-    return samples[samples.size() / 2];
-}
-
 } // namespace
 
 int main(int argc, char** argv)
@@ -123,18 +108,19 @@ int main(int argc, char** argv)
     qsizetype sink = 0;
 
     const double plain =
-        medianMicros(rounds, [&] { sink += QJsonDocument::fromJson(answer).object().size(); });
-    const double full = medianMicros(rounds, [&] {
-        // What Client::fetch does: unwiring happens as the decoder reads.
-        const QJsonValue value = Wire::parse(answer);
-        const CallEffects effects = decodeValue<CallEffects>(value);
-        const TasksResult result = decodeValue<Answer<TasksResult>>(value).value;
-        sink += result.tasks.size() + (effects.revalidate ? 1 : 0);
-    });
+        1000 * medianMillis(rounds, [&] { sink += QJsonDocument::fromJson(answer).object().size(); });
+    const double full = 1000 * medianMillis(rounds, [&] {
+                            // What Client::fetch does: unwiring happens as the decoder reads.
+                            const QJsonValue value = Wire::parse(answer);
+                            const CallEffects effects = decodeValue<CallEffects>(value);
+                            const TasksResult result = decodeValue<Answer<TasksResult>>(value).value;
+                            sink += result.tasks.size() + (effects.revalidate ? 1 : 0);
+                        });
 
     const QJsonValue parsed = Wire::parse(answer);
-    const double decodeOnly =
-        medianMicros(rounds, [&] { sink += decodeValue<Answer<TasksResult>>(parsed).value.tasks.size(); });
+    const double decodeOnly = 1000 * medianMillis(rounds, [&] {
+                                  sink += decodeValue<Answer<TasksResult>>(parsed).value.tasks.size();
+                              });
     QTextStream(stdout) << "  of which decoding: " << decodeOnly << " us\n";
     QTextStream(stdout) << "answer: " << answer.size() << " bytes, " << rounds << " rounds each\n"
                         << "QJsonDocument parse:              " << plain << " us (median)\n"

@@ -6,14 +6,15 @@
 #include "shell/Fonts.h"
 #include "shell/IconProvider.h"
 
-#include <QElapsedTimer>
+#include "Median.h"
+
 #include <QGuiApplication>
 #include <QQmlComponent>
 #include <QQmlEngine>
 #include <QQuickItem>
 #include <QTextStream>
 
-#include <algorithm>
+#include <memory>
 #include <vector>
 
 namespace {
@@ -34,27 +35,18 @@ QStringList messages()
     return out;
 }
 
-double layoutMillis(QQmlEngine& engine, const QByteArray& qml, const QStringList& texts)
+// Creates the items and reads the height, which makes every item lay out.
+// The page is handed back so that tearing it down is not timed.
+std::unique_ptr<QObject> layOut(QQmlEngine& engine, const QByteArray& qml, const QStringList& texts)
 {
     QQmlComponent component(&engine);
     component.setData(qml, QUrl(QStringLiteral("qrc:/bench/Layout.qml")));
-    QElapsedTimer timer;
-    timer.start();
-    QScopedPointer<QObject> root(component.createWithInitialProperties({{QStringLiteral("texts"), texts}}));
-    if (!root) {
-        QTextStream(stderr) << component.errorString();
+    std::unique_ptr<QObject> root(component.createWithInitialProperties({{QStringLiteral("texts"), texts}}));
+    if (!root || root->property("implicitHeight").toDouble() <= 0) {
+        QTextStream(stderr) << "The chat did not lay out: " << component.errorString();
         std::exit(1);
     }
-    // Reading the height makes every item lay out its text.
-    const double height = root->property("implicitHeight").toDouble();
-    const double millis = double(timer.nsecsElapsed()) / 1e6;
-    return height > 0 ? millis : -1;
-}
-
-double median(std::vector<double> samples)
-{
-    std::sort(samples.begin(), samples.end());
-    return samples[samples.size() / 2];
+    return root;
 }
 
 } // namespace
@@ -76,12 +68,11 @@ int main(int argc, char** argv)
         "import QtQuick\nColumn { property var texts; width: 700\n"
         "  Repeater { model: texts; Text { required property string modelData; width: 700; "
         "wrapMode: Text.Wrap; font.family: \"Geist\"; text: modelData } } }\n";
-    std::vector<double> ours, baseline;
-    for (int round = 0; round < 5; ++round) {
-        baseline.push_back(layoutMillis(engine, plain, texts));
-        ours.push_back(layoutMillis(engine, markdown, texts));
-    }
-    const double m = median(ours), b = median(baseline);
+    std::vector<std::unique_ptr<QObject>> pages;
+    const double b = medianMillis(5, [&] { pages.push_back(layOut(engine, plain, texts)); });
+    pages.clear();
+    const double m = medianMillis(5, [&] { pages.push_back(layOut(engine, markdown, texts)); });
+    pages.clear();
     QTextStream(stdout) << "200 chat messages, 5 rounds each (medians)\n"
                         << "Markdown view: " << m << " ms, " << m / 200 << " ms per message\n"
                         << "plain Text:    " << b << " ms, " << b / 200 << " ms per message\n"

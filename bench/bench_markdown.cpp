@@ -4,15 +4,13 @@
 
 #include "richtext/MarkdownParser.h"
 
+#include "Median.h"
+
 #include <cmark-gfm-core-extensions.h>
 #include <cmark-gfm.h>
 
 #include <QCoreApplication>
 #include <QTextStream>
-
-#include <algorithm>
-#include <chrono>
-#include <vector>
 
 namespace {
 
@@ -35,19 +33,6 @@ QString corpus(qsizetype bytes)
     for (int i = 0; out.size() < bytes; ++i)
         out += QString::fromUtf8(answers[i % 4]);
     return out;
-}
-
-template <typename F> double medianMillis(int rounds, F&& work)
-{
-    std::vector<double> samples;
-    for (int i = 0; i < rounds; ++i) {
-        const auto start = std::chrono::steady_clock::now();
-        work();
-        samples.push_back(
-            std::chrono::duration<double, std::milli>(std::chrono::steady_clock::now() - start).count());
-    }
-    std::sort(samples.begin(), samples.end());
-    return samples[samples.size() / 2];
 }
 
 } // namespace
