@@ -16,57 +16,28 @@ QRegularExpression compiled(const char* pattern)
     return re;
 }
 
-const QRegularExpression& openingFence()
-{
-    static const QRegularExpression re = compiled("^( {0,3})(`{3,}|~{3,})([^`]*)$");
-    return re;
-}
-const QRegularExpression& closingFence()
-{
-    static const QRegularExpression re = compiled("^ {0,3}(`{3,}|~{3,})\\s*$");
-    return re;
-}
-const QRegularExpression& atxHeading()
-{
-    static const QRegularExpression re = compiled("^ {0,3}(#{1,6})(?:[ \\t]+(.*?))?[ \\t]*$");
-    return re;
-}
-const QRegularExpression& closingHashes()
-{
-    static const QRegularExpression re = compiled("(^|\\s+)#+\\s*$");
-    return re;
-}
-const QRegularExpression& setextUnderline()
-{
-    static const QRegularExpression re = compiled("^ {0,3}(=+|-+)[ \\t]*$");
-    return re;
-}
-const QRegularExpression& thematicBreak()
-{
-    static const QRegularExpression re =
+// The grammar's patterns, compiled together the first time a text is parsed.
+struct Patterns {
+    const QRegularExpression openingFence = compiled("^( {0,3})(`{3,}|~{3,})([^`]*)$");
+    const QRegularExpression closingFence = compiled("^ {0,3}(`{3,}|~{3,})\\s*$");
+    const QRegularExpression atxHeading = compiled("^ {0,3}(#{1,6})(?:[ \\t]+(.*?))?[ \\t]*$");
+    const QRegularExpression closingHashes = compiled("(^|\\s+)#+\\s*$");
+    const QRegularExpression setextUnderline = compiled("^ {0,3}(=+|-+)[ \\t]*$");
+    const QRegularExpression thematicBreak =
         compiled("^ {0,3}(?:(?:\\*[ \\t]*){3,}|(?:-[ \\t]*){3,}|(?:_[ \\t]*){3,})$");
-    return re;
-}
-const QRegularExpression& quoteLine()
+    const QRegularExpression quoteLine = compiled("^ {0,3}> ?(.*)$");
+    const QRegularExpression listItem = compiled("^( {0,3})([-*+]|\\d{1,9}[.)])(?:( +)(.*))?$");
+    const QRegularExpression taskBox = compiled("^\\[([ xX])\\][ \\t]+(.*)$");
+    const QRegularExpression tableDelimiter =
+        compiled("^ {0,3}\\|?\\s*:?-+:?\\s*(\\|\\s*:?-+:?\\s*)*\\|?\\s*$");
+};
+
+const Patterns& patterns()
 {
-    static const QRegularExpression re = compiled("^ {0,3}> ?(.*)$");
-    return re;
+    static const Patterns compiledOnce;
+    return compiledOnce;
 }
-const QRegularExpression& listItem()
-{
-    static const QRegularExpression re = compiled("^( {0,3})([-*+]|\\d{1,9}[.)])(?:( +)(.*))?$");
-    return re;
-}
-const QRegularExpression& taskBox()
-{
-    static const QRegularExpression re = compiled("^\\[([ xX])\\][ \\t]+(.*)$");
-    return re;
-}
-const QRegularExpression& tableDelimiter()
-{
-    static const QRegularExpression re = compiled("^ {0,3}\\|?\\s*:?-+:?\\s*(\\|\\s*:?-+:?\\s*)*\\|?\\s*$");
-    return re;
-}
+
 bool isBlank(const QString& line)
 {
     for (QChar c : line)
@@ -177,7 +148,7 @@ struct Loop {
                 content.append(lines[j].mid(std::min(leadingSpaces(lines[j]), indent)));
                 continue;
             }
-            const QRegularExpressionMatch close = closingFence().match(lines[j]);
+            const QRegularExpressionMatch close = patterns().closingFence.match(lines[j]);
             if (close.hasMatch() && close.captured(1)[0] == run[0] && close.capturedLength(1) >= run.size())
                 break;
             content.append(lines[j].mid(std::min(leadingSpaces(lines[j]), indent)));
@@ -194,11 +165,12 @@ struct Loop {
     qsizetype quote(qsizetype i)
     {
         flush();
-        QStringList content{quoteLine().match(lines[i]).captured(1)};
+        QStringList content{patterns().quoteLine.match(lines[i]).captured(1)};
         qsizetype j = i + 1;
         for (; j < lines.size(); ++j) {
-            const QRegularExpressionMatch more =
-                lead(lines[j]) == QLatin1Char('>') ? quoteLine().match(lines[j]) : QRegularExpressionMatch();
+            const QRegularExpressionMatch more = lead(lines[j]) == QLatin1Char('>')
+                                                     ? patterns().quoteLine.match(lines[j])
+                                                     : QRegularExpressionMatch();
             if (more.hasMatch()) {
                 content.append(more.captured(1));
                 continue;
@@ -248,7 +220,7 @@ struct Loop {
             while (itemLines.size() > 1 && isBlank(itemLines.last()))
                 itemLines.removeLast();
             MarkdownItem item;
-            const QRegularExpressionMatch box = taskBox().match(itemLines.first());
+            const QRegularExpressionMatch box = patterns().taskBox.match(itemLines.first());
             if (box.hasMatch()) {
                 item.task = box.captured(1) != QLatin1String(" ");
                 itemLines.first() = box.captured(2);
@@ -265,7 +237,7 @@ struct Loop {
         if (!lines[i].contains(QLatin1Char('|')) || i + 1 >= lines.size())
             return std::nullopt;
         const QString& delimiter = lines[i + 1];
-        if (!delimiter.contains(QLatin1Char('|')) || !tableDelimiter().match(delimiter).hasMatch())
+        if (!delimiter.contains(QLatin1Char('|')) || !patterns().tableDelimiter.match(delimiter).hasMatch())
             return std::nullopt;
         const QStringList head = splitTableRow(lines[i]);
         if (splitTableRow(delimiter).size() != head.size())
@@ -296,25 +268,26 @@ struct Loop {
             }
             const QChar first = lead(line);
             if (const QRegularExpressionMatch open =
-                    mayBeFence(first) ? openingFence().match(line) : QRegularExpressionMatch();
+                    mayBeFence(first) ? patterns().openingFence.match(line) : QRegularExpressionMatch();
                 open.hasMatch()) {
                 i = fence(i, open);
                 continue;
             }
             if (const QRegularExpressionMatch atx =
-                    first == QLatin1Char('#') ? atxHeading().match(line) : QRegularExpressionMatch();
+                    first == QLatin1Char('#') ? patterns().atxHeading.match(line) : QRegularExpressionMatch();
                 atx.hasMatch()) {
                 flush();
                 MarkdownBlock heading;
                 heading.kind = MarkdownBlock::Kind::Heading;
                 heading.level = int(atx.capturedLength(1));
-                heading.text = atx.captured(2).remove(closingHashes());
+                heading.text = atx.captured(2).remove(patterns().closingHashes);
                 out.push_back(std::move(heading));
                 ++i;
                 continue;
             }
             if (!pending.isEmpty() && (first == QLatin1Char('=') || first == QLatin1Char('-'))) {
-                if (const QRegularExpressionMatch setext = setextUnderline().match(line); setext.hasMatch()) {
+                if (const QRegularExpressionMatch setext = patterns().setextUnderline.match(line);
+                    setext.hasMatch()) {
                     MarkdownBlock heading;
                     heading.kind = MarkdownBlock::Kind::Heading;
                     heading.level = setext.captured(1).startsWith(QLatin1Char('=')) ? 1 : 2;
@@ -325,14 +298,14 @@ struct Loop {
                     continue;
                 }
             }
-            if (mayBeBreak(first) && thematicBreak().match(line).hasMatch()) {
+            if (mayBeBreak(first) && patterns().thematicBreak.match(line).hasMatch()) {
                 flush();
                 out.push_back(MarkdownBlock{MarkdownBlock::Kind::Rule});
                 ++i;
                 continue;
             }
             const bool nests = depth < maximumDepth;
-            if (nests && first == QLatin1Char('>') && quoteLine().match(line).hasMatch()) {
+            if (nests && first == QLatin1Char('>') && patterns().quoteLine.match(line).hasMatch()) {
                 i = quote(i);
                 continue;
             }
@@ -379,7 +352,7 @@ std::vector<MarkdownBlock> parseNested(const QStringList& lines, int depth)
 
 std::optional<Marker> parseMarker(const QString& line)
 {
-    const QRegularExpressionMatch match = listItem().match(line);
+    const QRegularExpressionMatch match = patterns().listItem.match(line);
     if (!match.hasMatch())
         return std::nullopt;
     const QString marker = match.captured(2);
@@ -402,10 +375,10 @@ std::optional<Marker> parseMarker(const QString& line)
 bool startsBlock(const QString& line)
 {
     const QChar first = lead(line);
-    if ((mayBeFence(first) && openingFence().match(line).hasMatch()) ||
-        (first == QLatin1Char('#') && atxHeading().match(line).hasMatch()) ||
-        (mayBeBreak(first) && thematicBreak().match(line).hasMatch()) ||
-        (first == QLatin1Char('>') && quoteLine().match(line).hasMatch()))
+    if ((mayBeFence(first) && patterns().openingFence.match(line).hasMatch()) ||
+        (first == QLatin1Char('#') && patterns().atxHeading.match(line).hasMatch()) ||
+        (mayBeBreak(first) && patterns().thematicBreak.match(line).hasMatch()) ||
+        (first == QLatin1Char('>') && patterns().quoteLine.match(line).hasMatch()))
         return true;
     if (!mayBeMarker(first))
         return false;
