@@ -12,9 +12,9 @@ namespace {
 json answeringIn(Service& s, const std::string& workspace, const std::string& threadId)
 {
     json out = json::array();
-    for (const json& run : s.store.list("run", workspace)) {
-        if ((run["status"] != "queued" && run["status"] != "running") ||
-            run["threadId"].get<std::string>().empty())
+    for (const json& run : activeRuns(s, workspace)) {
+        // Only runs answering in the room: not task work, not one-to-one chats.
+        if (run["threadId"].get<std::string>().empty() || !s.store.get("message", run["threadId"]))
             continue;
         if (!threadId.empty() && run["threadId"] != threadId)
             continue;
@@ -66,8 +66,7 @@ json roomMessage(Service& s, const std::string& workspace, const json& m, const 
     return view;
 }
 
-json traces(Service& s, const std::string& workspace, const json& answering,
-            const std::vector<json>& messages)
+json traces(Service& s, const json& answering, const std::vector<json>& messages)
 {
     json out = json::object();
     auto add = [&](const std::string& runId) {
@@ -81,7 +80,6 @@ json traces(Service& s, const std::string& workspace, const json& answering,
     for (const json& m : messages)
         if (m.contains("runId") && m["runId"].is_string())
             add(m["runId"]);
-    (void)workspace;
     return out;
 }
 
@@ -102,7 +100,6 @@ json kestChat(ActionContext& ctx, const json& args)
     const json answering = answeringIn(s, workspace, "");
     json result = {
         {"me", ctx.caller.user}, {"messages", messages}, {"answering", answering}, {"reads", true}};
-    std::vector<json> referenced(all.begin(), all.end());
     if (threadId) {
         const auto first = s.store.get("message", *threadId);
         if (!first) {
@@ -124,7 +121,7 @@ json kestChat(ActionContext& ctx, const json& args)
                                 {"with", with}};
         }
     }
-    result["traces"] = traces(s, workspace, answering, referenced);
+    result["traces"] = traces(s, answering, all);
     json kest = json::array();
     for (const json& t : s.teammates(workspace))
         kest.push_back({{"handle", t["handle"]},

@@ -92,6 +92,7 @@ double stepSeconds(Service& service, const json& step)
 void finish(Service& service, json& run)
 {
     const std::string workspace = run["workspace"], agent = run["agent"];
+    service.store.remove("activerun", run["id"]);
     run["status"] = "done";
     run["endedAt"] = isoNow();
     run["doing"] = nullptr;
@@ -228,6 +229,7 @@ std::string startRun(Service& service, const std::string& workspace, const std::
     const std::string id = newId("run");
     const std::string shortTopic = topicOf(topic);
     const unsigned seed = stableHash(id);
+    service.store.put("activerun", id, workspace, json{{"id", id}});
     service.store.put("run", id, workspace,
                       {{"id", id},
                        {"workspace", workspace},
@@ -323,22 +325,33 @@ json traceOf(const json& run)
     return trace;
 }
 
-void advance(Service& service)
+std::vector<json> activeRuns(Service& service, const std::string& workspace)
+{
+    std::vector<json> runs;
+    for (const json& entry : service.store.list("activerun", workspace))
+        if (auto run = service.store.get("run", entry["id"]))
+            runs.push_back(std::move(*run));
+    return runs;
+}
+
+void advance(Service& service, bool checkTasks)
 {
     service.store.transaction([&] {
-        startAssignedTasks(service);
-        for (const json& run : service.store.list("run"))
-            if (run["status"] == "queued" || run["status"] == "running")
-                advanceRun(service, run);
+        if (checkTasks)
+            startAssignedTasks(service);
+        for (const json& run : activeRuns(service))
+            advanceRun(service, run);
     });
 }
 
 Simulation::Simulation(Service& service) : m_service(service)
 {
     m_thread = std::thread([this] {
-        while (!m_stop) {
+        // Runs move every tick; assigned tasks are looked for once a second,
+        // since that walks every task.
+        for (unsigned tick = 0; !m_stop; ++tick) {
             try {
-                advance(m_service);
+                advance(m_service, tick % 10 == 0);
             } catch (const std::exception& error) {
                 std::fprintf(stderr, "kestro-devservice: the teammates stumbled: %s\n", error.what());
             }

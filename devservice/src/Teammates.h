@@ -24,11 +24,16 @@ std::string startRun(Service& service, const std::string& workspace, const std::
 std::vector<std::string> recipients(Service& service, const std::string& workspace, const std::string& text,
                                     bool& triaged);
 
+// The runs still queued or running, of a workspace ("" for all). Read from
+// a small index, so callers never walk every run ever made.
+std::vector<json> activeRuns(Service& service, const std::string& workspace = "");
+
 // A run's trace as the client reads it (Model.RunTrace).
 json traceOf(const json& run);
 
-// Moves every run and task along; called by the simulation thread.
-void advance(Service& service);
+// Moves the active runs along, and with `checkTasks` starts work on tasks
+// newly given to a teammate; called by the simulation thread.
+void advance(Service& service, bool checkTasks);
 
 // Runs advance() every 100 ms until stopped, with or without clients.
 class Simulation {

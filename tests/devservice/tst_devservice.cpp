@@ -370,6 +370,7 @@ private slots:
             JSONValue::Object{{"handle", "forge"}, {"text", "Is the build green?"}}));
         QVERIFY(started.id);
         QCOMPARE(blockingWait(Calls::kest::thread(u"forge"_s, *started.id)).thread->status, u"replying"_s);
+        QVERIFY(blockingWait(Calls::kest::kestChat()).answering.isEmpty()); // not the room's work
         QVERIFY(eventually([&] {
             return blockingWait(Calls::kest::thread(u"forge"_s, *started.id)).thread->status == u"idle"_s;
         }));
