@@ -295,7 +295,10 @@ void Auth::adopt(std::optional<Tokens> tokens)
         LogRedaction::remember(tokens->access);
         LogRedaction::remember(tokens->refresh);
     }
+    const bool changed = m_tokens != tokens;
     m_tokens = std::move(tokens);
+    if (changed)
+        emit tokensChanged();
 }
 
 QCoro::Task<> Auth::store(std::optional<Tokens> tokens)

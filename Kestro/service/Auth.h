@@ -63,6 +63,11 @@ public:
     // For tests: what "now" is.
     void setClock(std::function<QDateTime()> clock) { m_clock = std::move(clock); }
 
+signals:
+    // The held tokens changed: signed in, refreshed, or signed out. The web
+    // session cookie follows the access token through this.
+    void tokensChanged();
+
 private:
     using Form = std::map<QString, QString>; // sorted by name, as the form is written
 

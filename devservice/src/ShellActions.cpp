@@ -204,7 +204,7 @@ json palette(ActionContext& ctx, const json& args)
                              {"href", href},
                              {"icon", icon}});
     };
-    add("page", "home", "Home", "Your day at a glance", "/home", "house");
+    add("page", "home", "Home", "Your day at a glance", "/activity", "house");
     add("page", "kest", "Kest chat", "The room with your teammates", "/kest", "messages-square");
     add("page", "tasks", "Tasks", "Everything in progress", "/tasks", "list-checks");
     add("page", "analytics", "Analytics", "Visitors and sources", "/analytics", "chart-line");

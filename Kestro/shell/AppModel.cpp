@@ -1,0 +1,343 @@
+#include "AppModel.h"
+
+#include "MainThread.h"
+#include "Router.h"
+
+#include "calls/app.h"
+#include "calls/shell.h"
+#include "service/Auth.h"
+#include "service/Client.h"
+#include "service/ServiceError.h"
+
+#include <QJsonObject>
+#include <QPointer>
+
+namespace Kestro {
+
+namespace {
+
+// Any failure as the sentence a page shows.
+QString describe(const std::exception& error)
+{
+    if (const auto* service = dynamic_cast<const ServiceError*>(&error))
+        return service->description();
+    return QStringLiteral("Something went wrong: %1.").arg(QString::fromUtf8(error.what()));
+}
+
+} // namespace
+
+AppModel::AppModel(Client& client, Router& router, Desktop desktop, QObject* parent)
+    : AppLink(parent), m_client(client), m_router(router), m_desktop(std::move(desktop))
+{
+    // A burst of "changed" messages from a web page leads to one refresh.
+    m_changeTimer.setSingleShot(true);
+    m_changeTimer.setInterval(250);
+    connect(&m_changeTimer, &QTimer::timeout, this, [this] { restartDataRefresh(); });
+    m_client.setAppLink(this);
+}
+
+AppModel::~AppModel() = default;
+
+bool AppModel::canWrite() const
+{
+    // Viewers, approvers and guests read but do not write.
+    const QString role = m_frame.value(QStringLiteral("workspace")).toMap().value(QStringLiteral("role")).toString();
+    return !role.isEmpty() && role != QLatin1String("viewer") && role != QLatin1String("approver") &&
+           role != QLatin1String("guest");
+}
+
+void AppModel::start()
+{
+    requireMainThread("AppModel::start");
+    if (m_started)
+        return;
+    m_started = true;
+    runStart();
+}
+
+QCoro::Task<> AppModel::runStart()
+{
+    QPointer<AppModel> self(this);
+    std::optional<QString> token;
+    try {
+        token = co_await m_client.auth().accessToken();
+    } catch (const std::exception& error) {
+        // The stored sign-in could not be renewed (no network): say so on
+        // the failure page, where "Try again" starts over.
+        if (!self)
+            co_return;
+        setFrameError(describe(error));
+        co_return;
+    }
+    if (!self)
+        co_return;
+    if (!token) {
+        setPhase(Phase::SignedOut);
+        co_return;
+    }
+    co_await loadFrame();
+}
+
+QCoro::Task<bool> AppModel::loadFrame()
+{
+    QPointer<AppModel> self(this);
+    const quint64 generation = ++m_frameGeneration;
+    setLoadingFrame(true);
+    QString failure;
+    QVariantMap frame;
+    try {
+        const Calls::shell::FrameResult result = co_await Calls::shell::frame();
+        frame = result.encode().toObject().toVariantMap();
+    } catch (const CallError& error) {
+        if (error.kind() == CallError::Kind::SignedOut) {
+            // The client signed the app out already; nothing to show here.
+            if (self && generation == m_frameGeneration)
+                setLoadingFrame(false);
+            co_return false;
+        }
+        failure = error.description();
+    } catch (const std::exception& error) {
+        failure = describe(error);
+    }
+    if (!self || generation != m_frameGeneration)
+        co_return false;
+    setLoadingFrame(false);
+    if (!failure.isEmpty()) {
+        setFrameError(failure);
+        co_return false;
+    }
+    const QString before = m_frame.value(QStringLiteral("workspace")).toMap().value(QStringLiteral("id")).toString();
+    m_frame = frame;
+    emit frameChanged();
+    setFrameError({});
+    const QString after = m_frame.value(QStringLiteral("workspace")).toMap().value(QStringLiteral("id")).toString();
+    if (!before.isEmpty() && before != after)
+        m_router.reset(Route::parse(startPath));
+    setPhase(Phase::SignedIn);
+    deliverPendingLinks();
+    co_return true;
+}
+
+void AppModel::signIn()
+{
+    requireMainThread("AppModel::signIn");
+    if (m_signingIn || m_phase == Phase::SignedIn)
+        return;
+    runSignIn();
+}
+
+QCoro::Task<> AppModel::runSignIn()
+{
+    QPointer<AppModel> self(this);
+    setSigningIn(true);
+    setSignInError({});
+    QString failure;
+    try {
+        const Authorization authorization = m_client.auth().begin(QString(Auth::redirectUri));
+        const std::optional<QUrl> callback = co_await m_desktop.authenticate(authorization.url);
+        if (!self)
+            co_return;
+        if (callback) {
+            co_await m_client.auth().finish(*callback, authorization);
+            if (!self)
+                co_return;
+            if (!co_await loadFrame()) {
+                if (!self)
+                    co_return;
+                // Signed in, but the workspace did not load: the failure
+                // page's "Try again" takes it from here.
+                failure = m_frameError;
+            }
+        }
+    } catch (const std::exception& error) {
+        failure = describe(error);
+    }
+    if (!self)
+        co_return;
+    setSigningIn(false);
+    if (!failure.isEmpty())
+        setSignInError(failure);
+}
+
+void AppModel::signOut()
+{
+    requireMainThread("AppModel::signOut");
+    if (m_phase == Phase::SignedOut)
+        return;
+    setPhase(Phase::SignedOut);
+    ++m_frameGeneration; // a frame load in flight no longer counts
+    setLoadingFrame(false);
+    m_frame.clear();
+    emit frameChanged();
+    setFrameError({});
+    m_pendingLinks.clear();
+    m_changeTimer.stop();
+    m_router.reset(Route::parse(startPath));
+    if (m_desktop.clearBadge)
+        m_desktop.clearBadge();
+    runSignOut();
+}
+
+QCoro::Task<> AppModel::runSignOut()
+{
+    QPointer<AppModel> self(this);
+    co_await m_client.auth().signOut();
+    if (self && m_desktop.clearWebSession)
+        m_desktop.clearWebSession();
+}
+
+void AppModel::switchWorkspace(const QString& id)
+{
+    requireMainThread("AppModel::switchWorkspace");
+    if (m_phase != Phase::SignedIn || id.isEmpty())
+        return;
+    const QString current = m_frame.value(QStringLiteral("workspace")).toMap().value(QStringLiteral("id")).toString();
+    if (id == current)
+        return;
+    runSwitch(id);
+}
+
+QCoro::Task<> AppModel::runSwitch(QString id)
+{
+    QPointer<AppModel> self(this);
+    setSwitchError({});
+    QString failure;
+    try {
+        const Model::ActionOutcome outcome = co_await Calls::app::switchWorkspaceAction(id);
+        if (outcome.error)
+            failure = *outcome.error;
+    } catch (const std::exception& error) {
+        failure = describe(error);
+    }
+    if (!self)
+        co_return;
+    if (!failure.isEmpty()) {
+        // The current workspace stays in place.
+        setSwitchError(failure);
+        co_return;
+    }
+    co_await loadFrame();
+}
+
+void AppModel::reload()
+{
+    requireMainThread("AppModel::reload");
+    if (m_phase == Phase::Launching && !m_frameError.isEmpty()) {
+        // The start failed before the frame was asked for: start over.
+        setFrameError({});
+        runStart();
+        return;
+    }
+    if (m_phase == Phase::SignedOut)
+        return;
+    loadFrame();
+}
+
+void AppModel::openUrl(const QUrl& url)
+{
+    requireMainThread("AppModel::openUrl");
+    if (url.scheme() != Auth::callbackScheme)
+        return;
+    if (url.host() == QLatin1String("oauth")) {
+        // The browser's sign-in coming back; never a route.
+        emit callbackArrived(url);
+        return;
+    }
+    if (m_phase != Phase::SignedIn) {
+        m_pendingLinks.append(url);
+        return;
+    }
+    m_router.openDeepLink(url);
+}
+
+void AppModel::deliverPendingLinks()
+{
+    const QList<QUrl> links = std::exchange(m_pendingLinks, {});
+    for (const QUrl& url : links)
+        m_router.openDeepLink(url);
+}
+
+void AppModel::dataChanged()
+{
+    requireMainThread("AppModel::dataChanged");
+    m_changeTimer.start(); // restarting cancels the pending one
+}
+
+void AppModel::signOutFromService()
+{
+    signOut();
+}
+
+void AppModel::restartDataRefresh()
+{
+    if (m_phase != Phase::SignedIn)
+        return;
+    m_router.setTick(m_router.tick() + 1);
+    loadFrame();
+}
+
+void AppModel::openAppPath(const QString& path)
+{
+    if (m_phase == Phase::SignedIn)
+        m_router.open(path);
+}
+
+void AppModel::startSetup(const QString& path)
+{
+    if (m_setupPath != path) {
+        m_setupPath = path;
+        emit setupPathChanged();
+    }
+    if (m_phase == Phase::SignedIn)
+        m_router.open(path);
+}
+
+void AppModel::setPhase(Phase phase)
+{
+    if (m_phase == phase)
+        return;
+    m_phase = phase;
+    emit phaseChanged();
+}
+
+void AppModel::setFrameError(const QString& error)
+{
+    if (m_frameError == error)
+        return;
+    m_frameError = error;
+    emit frameErrorChanged();
+}
+
+void AppModel::setSignInError(const QString& error)
+{
+    if (m_signInError == error)
+        return;
+    m_signInError = error;
+    emit signInErrorChanged();
+}
+
+void AppModel::setSigningIn(bool on)
+{
+    if (m_signingIn == on)
+        return;
+    m_signingIn = on;
+    emit signingInChanged();
+}
+
+void AppModel::setLoadingFrame(bool on)
+{
+    if (m_loadingFrame == on)
+        return;
+    m_loadingFrame = on;
+    emit loadingFrameChanged();
+}
+
+void AppModel::setSwitchError(const QString& error)
+{
+    if (m_switchError == error)
+        return;
+    m_switchError = error;
+    emit switchErrorChanged();
+}
+
+} // namespace Kestro

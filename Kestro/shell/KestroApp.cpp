@@ -1,0 +1,182 @@
+#include "KestroApp.h"
+
+#include "AppModel.h"
+#include "Appearance.h"
+#include "BellModel.h"
+#include "Fonts.h"
+#include "IconProvider.h"
+#include "PageCatalog.h"
+#include "PaletteModel.h"
+#include "Router.h"
+#include "ShellState.h"
+#include "SingleInstance.h"
+#include "WebAuthSession.h"
+#include "WebViews.h"
+
+#include "richtext/RichTextTypes.h"
+#include "service/Auth.h"
+#include "service/Client.h"
+#include "service/LogRedaction.h"
+#include "service/ServiceOrigin.h"
+
+#include <QCommandLineParser>
+#include <QDesktopServices>
+#include <QGuiApplication>
+#include <QQmlApplicationEngine>
+#include <QQuickStyle>
+#include <QQuickWindow>
+#include <QTextStream>
+#include <QWebEngineUrlScheme>
+#include <QtWebEngineQuick/qtwebenginequickglobal.h>
+
+namespace Kestro {
+
+void KestroApp::prepare()
+{
+    QWebEngineUrlScheme scheme(QByteArrayLiteral("kestro"));
+    scheme.setSyntax(QWebEngineUrlScheme::Syntax::Host);
+    scheme.setFlags(QWebEngineUrlScheme::LocalScheme);
+    QWebEngineUrlScheme::registerScheme(scheme);
+    QCoreApplication::setOrganizationName(QStringLiteral("Kestro"));
+    QCoreApplication::setApplicationName(QStringLiteral("Kestro"));
+    QCoreApplication::setApplicationVersion(QStringLiteral(KESTRO_VERSION));
+    QGuiApplication::setDesktopFileName(QStringLiteral("kestro"));
+    QtWebEngineQuick::initialize();
+}
+
+KestroApp::KestroApp(QObject* parent) : QObject(parent)
+{
+    LogRedaction::install();
+    loadBundledFonts();
+    registerRichTextTypes();
+    QQuickStyle::setStyle(QStringLiteral("Basic"));
+
+    Client& client = Client::shared();
+    m_router = std::make_unique<Router>(client.origin(), Route::parse(QString(AppModel::startPath)),
+                                        [](const QUrl& url) { QDesktopServices::openUrl(url); });
+    m_authSession = std::make_unique<WebAuthSession>();
+    m_appearance = std::make_unique<Appearance>();
+    m_shell = std::make_unique<ShellState>();
+    m_pages = std::make_unique<PageCatalog>();
+    m_bell = std::make_unique<BellModel>();
+    m_palette = std::make_unique<PaletteModel>();
+
+    AppModel::Desktop desktop;
+    WebAuthSession* session = m_authSession.get();
+    desktop.authenticate = [session](QUrl authorize) { return session->authenticate(std::move(authorize)); };
+    desktop.clearWebSession = [this] { m_webViews->clearSession(); };
+    desktop.clearBadge = [this] { m_bell->setActive(false); };
+    m_app = std::make_unique<AppModel>(client, *m_router, std::move(desktop));
+    m_webViews = std::make_unique<WebViews>(client.origin(), client.auth(), *m_app, *m_appearance);
+
+    connect(m_app.get(), &AppModel::callbackArrived, session, &WebAuthSession::deliver);
+    // The bell polls while the signed-in frame shows.
+    connect(m_app.get(), &AppModel::phaseChanged, this,
+            [this] { m_bell->setActive(m_app->phase() == AppModel::Phase::SignedIn); });
+    connect(m_app.get(), &AppModel::frameChanged, this, [this] {
+        m_palette->setTeammates(m_app->frame().value(QStringLiteral("kest")).toList());
+        m_bell->refreshCount();
+    });
+
+    qmlRegisterUncreatableType<AppModel>("Kestro.Shell", 1, 0, "AppModel", QStringLiteral("The app has one."));
+    qmlRegisterUncreatableType<Router>("Kestro.Shell", 1, 0, "Router", QStringLiteral("The app has one."));
+    qmlRegisterUncreatableType<WebViews>("Kestro.Shell", 1, 0, "WebViewsType", QStringLiteral("The app has one."));
+    qmlRegisterType<WebBridge>("Kestro.Shell", 1, 0, "WebBridge");
+    qmlRegisterSingletonInstance("Kestro.Shell", 1, 0, "App", m_app.get());
+    qmlRegisterSingletonInstance("Kestro.Shell", 1, 0, "Shell", m_shell.get());
+    qmlRegisterSingletonInstance("Kestro.Shell", 1, 0, "Appearance", m_appearance.get());
+    qmlRegisterSingletonInstance("Kestro.Shell", 1, 0, "Pages", m_pages.get());
+    qmlRegisterSingletonInstance("Kestro.Shell", 1, 0, "Bell", m_bell.get());
+    qmlRegisterSingletonInstance("Kestro.Shell", 1, 0, "Palette", m_palette.get());
+    qmlRegisterSingletonInstance("Kestro.Shell", 1, 0, "AuthSession", m_authSession.get());
+    qmlRegisterSingletonInstance("Kestro.Shell", 1, 0, "WebViews", m_webViews.get());
+
+    m_engine = std::make_unique<QQmlApplicationEngine>();
+    m_engine->addImportPath(QStringLiteral("qrc:/"));
+    m_engine->addImageProvider(QStringLiteral("icon"), new IconProvider);
+    addRichTextImageProviders(*m_engine);
+}
+
+KestroApp::~KestroApp()
+{
+    // The window goes before the models its bindings read.
+    m_engine.reset();
+}
+
+bool KestroApp::show()
+{
+    m_engine->load(QUrl(QStringLiteral("qrc:/Kestro/shell/Main.qml")));
+    if (m_engine->rootObjects().isEmpty()) {
+        QTextStream(stderr) << "Kestro could not load its window.\n";
+        return false;
+    }
+    return true;
+}
+
+QQuickWindow* KestroApp::window() const
+{
+    const auto roots = m_engine->rootObjects();
+    return roots.isEmpty() ? nullptr : qobject_cast<QQuickWindow*>(roots.first());
+}
+
+void KestroApp::openUrl(const QUrl& url)
+{
+    if (!url.isEmpty())
+        m_app->openUrl(url);
+    raise();
+}
+
+void KestroApp::raise()
+{
+    if (QQuickWindow* w = window()) {
+        w->show();
+        w->raise();
+        w->requestActivate();
+    }
+}
+
+int KestroApp::main(int argc, char** argv)
+{
+    prepare();
+    QGuiApplication application(argc, argv);
+
+    QCommandLineParser parser;
+    parser.setApplicationDescription(QStringLiteral("Kestro desktop: your workspace and its kest."));
+    parser.addHelpOption();
+    parser.addVersionOption();
+    const QCommandLineOption originOption(
+        QStringLiteral("origin"),
+        QStringLiteral("Use the Kestro service at URL for this run (nothing is written to the settings)."),
+        QStringLiteral("URL"));
+    parser.addOption(originOption);
+    parser.addPositionalArgument(QStringLiteral("url"), QStringLiteral("kestro: addresses to open."), QStringLiteral("[url...]"));
+    parser.process(application);
+
+    if (parser.isSet(originOption)) {
+        const auto origin = ServiceOrigin::parse(parser.value(originOption));
+        if (!origin) {
+            QTextStream(stderr) << "The address given with --origin, \"" << parser.value(originOption)
+                                << "\", is not an http or https address.\n";
+            return 1;
+        }
+        ServiceOrigin::setOverride(*origin);
+    }
+    QList<QUrl> urls;
+    for (const QString& argument : parser.positionalArguments())
+        urls.append(QUrl(argument));
+
+    SingleInstance instance(SingleInstance::nameFor(ServiceOrigin::current()));
+    if (instance.handOff(urls))
+        return 0;
+    instance.listen();
+
+    KestroApp app;
+    QObject::connect(&instance, &SingleInstance::received, &app, &KestroApp::openUrl);
+    if (!app.show())
+        return 1;
+    for (const QUrl& url : urls)
+        app.openUrl(url);
+    return application.exec();
+}
+
+} // namespace Kestro

@@ -1,0 +1,245 @@
+#include "WebViews.h"
+
+#include "AppModel.h"
+#include "Appearance.h"
+#include "Router.h"
+#include "WebScripts.h"
+
+#include "service/Auth.h"
+#include "service/ServiceOrigin.h"
+#include "service/UserAgent.h"
+
+#include <QDesktopServices>
+#include <QDir>
+#include <QJsonDocument>
+#include <QJsonObject>
+#include <QNetworkCookie>
+#include <QQuickItem>
+#include <QQuickWebEngineProfile>
+#include <QStandardPaths>
+#include <QWebEngineCookieStore>
+
+namespace Kestro {
+
+namespace {
+WebViews* theViews = nullptr;
+} // namespace
+
+WebViews::WebViews(QUrl origin, Auth& auth, AppModel& app, Appearance& appearance, QObject* parent)
+    : QObject(parent), m_origin(std::move(origin)), m_auth(auth), m_app(app), m_appearance(appearance),
+      m_bridge(WebScripts::bridge()), m_relay(WebScripts::relay())
+{
+    // One persistent profile: the service's pages keep their local storage
+    // and the sign-in sheet shares the user's session with them.
+    m_profile = new QQuickWebEngineProfile(this);
+    m_profile->setStorageName(QStringLiteral("Kestro"));
+    m_profile->setPersistentCookiesPolicy(QQuickWebEngineProfile::AllowPersistentCookies);
+    m_profile->setHttpUserAgent(m_profile->httpUserAgent() + QLatin1Char(' ') + QString::fromLatin1(clientUserAgent()));
+
+    // The session cookie follows the access token; a burst of changes (a
+    // refresh, then the keychain write) rewrites it once.
+    m_refresher.setSingleShot(true);
+    m_refresher.setInterval(0);
+    connect(&m_refresher, &QTimer::timeout, this, &WebViews::writeSessionCookie);
+    connect(&m_auth, &Auth::tokensChanged, &m_refresher, qOverload<>(&QTimer::start));
+    // A session cookie the site or the engine dropped is written again.
+    connect(m_profile->cookieStore(), &QWebEngineCookieStore::cookieRemoved, this,
+            [this](const QNetworkCookie& cookie) {
+                if (QString::fromLatin1(cookie.name()) == WebScripts::sessionCookieName(m_origin) &&
+                    m_auth.tokens())
+                    m_refresher.start();
+            });
+    connect(&m_appearance, &Appearance::changed, this, &WebViews::applyTheme);
+    connect(m_app.router(), &Router::routeChanged, this, [this] {
+        if (!m_title.isEmpty()) {
+            m_title.clear();
+            emit titleChanged();
+        }
+    });
+    WebBridge::setViews(this);
+    writeSessionCookie();
+}
+
+WebViews::~WebViews()
+{
+    WebBridge::setViews(nullptr);
+}
+
+QObject* WebViews::profileObject() const
+{
+    return m_profile;
+}
+
+QString WebViews::storageScript() const
+{
+    return WebScripts::storage(m_appearance.mode(), m_appearance.darkShade(), m_appearance.lightShade());
+}
+
+QUrl WebViews::addressOf(const QString& path) const
+{
+    const int query = path.indexOf(QLatin1Char('?'));
+    QUrl url = appendPath(m_origin, query < 0 ? path.mid(1) : path.mid(1, query - 1));
+    if (query >= 0)
+        url.setQuery(path.mid(query + 1));
+    return url;
+}
+
+void WebViews::attach(QQuickItem* view)
+{
+    m_live.removeAll(nullptr);
+    if (view && !m_live.contains(view))
+        m_live.append(view);
+}
+
+bool WebViews::sameHost(const QUrl& url) const
+{
+    return url.host(QUrl::FullyEncoded) == m_origin.host(QUrl::FullyEncoded);
+}
+
+WebViews::Decision WebViews::decideFor(const QUrl& origin, const QUrl& url, bool mainFrame, bool linkClicked,
+                                       bool newWindow)
+{
+    if (url.isEmpty())
+        return Decision::Cancel;
+    const QString scheme = url.scheme();
+    if (scheme == QLatin1String("about") || scheme == QLatin1String("blob") || scheme == QLatin1String("data"))
+        return Decision::Allow;
+    if (url.host(QUrl::FullyEncoded) == origin.host(QUrl::FullyEncoded)) {
+        if (newWindow || !mainFrame || !linkClicked)
+            return Decision::Allow;
+        return Decision::Route;
+    }
+    if (!mainFrame && !newWindow)
+        return Decision::Allow; // another site's frame inside the page
+    return Decision::Browser;
+}
+
+int WebViews::decide(const QUrl& url, bool mainFrame, bool linkClicked, bool newWindow) const
+{
+    return int(decideFor(m_origin, url, mainFrame, linkClicked, newWindow));
+}
+
+void WebViews::follow(const QUrl& url)
+{
+    if (sameHost(url)) {
+        QString path = url.path(QUrl::FullyEncoded);
+        if (path.isEmpty())
+            path = QStringLiteral("/");
+        if (url.hasQuery())
+            path += QLatin1Char('?') + url.query(QUrl::FullyEncoded);
+        m_app.router()->open(path);
+        return;
+    }
+    QDesktopServices::openUrl(url);
+}
+
+bool WebViews::isSignInLanding(const QUrl& url)
+{
+    const QString path = url.path();
+    return path == QLatin1String("/login") || path == QLatin1String("/signup");
+}
+
+bool WebViews::landed(const QUrl& url, bool alreadyRetried)
+{
+    if (!sameHost(url) || !isSignInLanding(url))
+        return false;
+    if (!alreadyRetried) {
+        writeSessionCookie();
+        return true;
+    }
+    // The fresh cookie did not help either: the session is over.
+    m_app.signOut();
+    return false;
+}
+
+void WebViews::receive(const QString& json, const QUrl& sender)
+{
+    // Only the service's own pages may talk to the app.
+    if (!sameHost(sender))
+        return;
+    const QJsonDocument document = QJsonDocument::fromJson(json.toUtf8());
+    if (!document.isObject())
+        return;
+    handle(document.object().toVariantMap());
+}
+
+void WebViews::handle(const QVariantMap& message)
+{
+    const QVariant kind = message.value(QStringLiteral("kind"));
+    if (kind.typeId() != QMetaType::QString)
+        return;
+    const QString name = kind.toString();
+    if (name == QLatin1String("title")) {
+        const QVariant title = message.value(QStringLiteral("title"));
+        if (title.typeId() != QMetaType::QString)
+            return;
+        const QString text = WebScripts::pageTitle(title.toString());
+        if (text != m_title) {
+            m_title = text;
+            emit titleChanged();
+        }
+    } else if (name == QLatin1String("open")) {
+        const QVariant path = message.value(QStringLiteral("path"));
+        if (path.typeId() != QMetaType::QString)
+            return;
+        const QString text = path.toString();
+        if (text.startsWith(QLatin1Char('/')) && !text.startsWith(QLatin1String("//")))
+            m_app.router()->open(text);
+    } else if (name == QLatin1String("changed")) {
+        m_app.dataChanged();
+    }
+    // "replay" belongs to the replay player; anything else is not ours.
+}
+
+void WebViews::writeSessionCookie()
+{
+    const auto tokens = m_auth.tokens();
+    if (!tokens)
+        return;
+    QNetworkCookie cookie(WebScripts::sessionCookieName(m_origin).toLatin1(), tokens->access.toUtf8());
+    // A host-only cookie: "__Host-" requires no domain, the path "/" and,
+    // over https, the secure flag.
+    cookie.setPath(QStringLiteral("/"));
+    cookie.setSecure(m_origin.scheme() == QLatin1String("https"));
+    cookie.setHttpOnly(true);
+    cookie.setExpirationDate(tokens->expiresAt);
+    QUrl at = m_origin;
+    at.setPath(QStringLiteral("/"));
+    m_profile->cookieStore()->setCookie(cookie, at);
+}
+
+void WebViews::clearSession()
+{
+    m_profile->cookieStore()->deleteAllCookies();
+    m_profile->clearHttpCache();
+    if (!m_title.isEmpty()) {
+        m_title.clear();
+        emit titleChanged();
+    }
+}
+
+void WebViews::applyTheme()
+{
+    const bool dark = m_appearance.isDark();
+    const QString script =
+        WebScripts::theme(dark, m_appearance.mode(), m_appearance.darkShade(), m_appearance.lightShade());
+    m_live.removeAll(nullptr);
+    for (const QPointer<QQuickItem>& view : std::as_const(m_live))
+        QMetaObject::invokeMethod(view.data(), "runJavaScript", Q_ARG(QString, script));
+    emit themePushed(script);
+    // Later navigations start in the new theme.
+    emit scriptsChanged();
+}
+
+void WebBridge::setViews(WebViews* views)
+{
+    theViews = views;
+}
+
+void WebBridge::post(const QString& json)
+{
+    if (theViews)
+        theViews->receive(json, m_pageUrl);
+}
+
+} // namespace Kestro

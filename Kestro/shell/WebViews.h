@@ -1,0 +1,110 @@
+#pragma once
+
+#include <QList>
+#include <QObject>
+#include <QPointer>
+#include <QTimer>
+#include <QUrl>
+#include <QVariantMap>
+
+class QQuickWebEngineProfile;
+class QQuickItem;
+
+namespace Kestro {
+
+class AppModel;
+class Appearance;
+class Auth;
+
+// The owner of every embedded web page: the one persistent profile (cookies,
+// local storage), the user scripts, the session cookie written from the
+// access token, theme pushes into open pages, the script messages of the
+// "kestro" channel and the navigation policy. GUI thread only.
+//
+// No spare view is kept warm: an idle web engine costs CPU and memory, and a
+// page opens quickly enough once the profile is up.
+class WebViews : public QObject {
+    Q_OBJECT
+    Q_PROPERTY(QObject* profile READ profileObject CONSTANT)
+    Q_PROPERTY(QString storageScript READ storageScript NOTIFY scriptsChanged)
+    Q_PROPERTY(QString bridgeScript READ bridgeScript CONSTANT)
+    Q_PROPERTY(QString relayScript READ relayScript CONSTANT)
+    Q_PROPERTY(QString title READ title NOTIFY titleChanged)
+
+public:
+    // What to do with a navigation the page starts.
+    enum class Decision { Allow, Cancel, Route, Browser };
+    Q_ENUM(Decision)
+
+    WebViews(QUrl origin, Auth& auth, AppModel& app, Appearance& appearance, QObject* parent = nullptr);
+    ~WebViews() override;
+
+    QQuickWebEngineProfile* profile() const { return m_profile; }
+    QObject* profileObject() const;
+    QString storageScript() const;
+    QString bridgeScript() const { return m_bridge; }
+    QString relayScript() const { return m_relay; }
+    QString title() const { return m_title; }
+
+    // The address a service path loads from.
+    Q_INVOKABLE QUrl addressOf(const QString& path) const;
+    // Registers a view so theme changes reach it; it leaves when destroyed.
+    Q_INVOKABLE void attach(QQuickItem* view);
+    // The navigation policy; `newWindow` for a page's request of one.
+    Q_INVOKABLE int decide(const QUrl& url, bool mainFrame, bool linkClicked, bool newWindow = false) const;
+    // Carries out a Route or Browser decision.
+    Q_INVOKABLE void follow(const QUrl& url);
+    // A page finished loading at `url`: true when it should load its path
+    // again (it landed on the sign-in page for the first time).
+    Q_INVOKABLE bool landed(const QUrl& url, bool alreadyRetried);
+    // A message from a page's bridge, as its JSON text, and the address of
+    // the page that sent it.
+    Q_INVOKABLE void receive(const QString& json, const QUrl& sender);
+    // Writes the session cookie from the current access token now.
+    Q_INVOKABLE void writeSessionCookie();
+    // Drops cookies and cached site data (sign-out).
+    void clearSession();
+    void applyTheme();
+
+    // Pure parts of the above, for tests.
+    static Decision decideFor(const QUrl& origin, const QUrl& url, bool mainFrame, bool linkClicked,
+                              bool newWindow);
+    static bool isSignInLanding(const QUrl& url);
+
+signals:
+    void scriptsChanged();
+    void titleChanged();
+    // A web page's theme script, for views to run (and QML tests to see).
+    void themePushed(const QString& script);
+
+private:
+    void handle(const QVariantMap& message);
+    bool sameHost(const QUrl& url) const;
+
+    QUrl m_origin;
+    Auth& m_auth;
+    AppModel& m_app;
+    Appearance& m_appearance;
+    QQuickWebEngineProfile* m_profile;
+    QList<QPointer<QQuickItem>> m_live;
+    QString m_bridge;
+    QString m_relay;
+    QString m_title;
+    QTimer m_refresher;
+};
+
+// The object a page's relay script calls, one per view, registered in the
+// view's web channel as "kestro".
+class WebBridge : public QObject {
+    Q_OBJECT
+    Q_PROPERTY(QUrl pageUrl MEMBER m_pageUrl)
+public:
+    using QObject::QObject;
+    static void setViews(WebViews* views);
+    Q_INVOKABLE void post(const QString& json);
+
+private:
+    QUrl m_pageUrl;
+};
+
+} // namespace Kestro

@@ -1,0 +1,100 @@
+import QtQuick
+import QtQuick.Controls
+import QtQuick.Controls.Basic
+import QtQuick.Layouts
+import QtWebEngine
+import Kestro.Shell
+
+// The sign-in sheet: the service's sign-in page on the app's own profile.
+// It closes by itself when the service sends the user back to Kestro.
+Popup {
+    id: sheet
+    property AppTheme theme
+    objectName: "authSheet"
+    modal: true
+    closePolicy: Popup.CloseOnEscape
+    width: Math.min(520, parent.width - 40)
+    height: Math.min(680, parent.height - 40)
+    x: (parent.width - width) / 2
+    y: (parent.height - height) / 2
+    padding: 0
+    onClosed: if (AuthSession.address.toString().length > 0 && !AuthSession.inBrowser) AuthSession.cancel()
+
+    Connections {
+        target: AuthSession
+        function onStateChanged() {
+            if (AuthSession.address.toString().length > 0)
+                sheet.open()
+            else
+                sheet.close()
+        }
+    }
+
+    Overlay.modal: Rectangle { color: sheet.theme.scrim }
+    background: Rectangle {
+        radius: 14
+        color: sheet.theme.raised
+        border.color: sheet.theme.border
+    }
+
+    ColumnLayout {
+        anchors.fill: parent
+        spacing: 0
+        RowLayout {
+            Layout.fillWidth: true
+            Layout.margins: 10
+            Layout.leftMargin: 16
+            Icon { name: "key-round"; size: 16; color: sheet.theme.muted }
+            Text {
+                Layout.fillWidth: true
+                text: "Sign in to Kestro"
+                font.family: sheet.theme.display
+                font.pixelSize: 15
+                font.weight: Font.Bold
+                color: sheet.theme.text
+            }
+            PrimaryButton {
+                objectName: "useBrowserButton"
+                theme: sheet.theme
+                quiet: true
+                implicitHeight: 30
+                text: "Use my browser"
+                onClicked: AuthSession.useBrowser()
+            }
+            IconButton {
+                theme: sheet.theme
+                glyph: "x"
+                tip: "Cancel sign-in"
+                onClicked: AuthSession.cancel()
+            }
+        }
+        Rectangle { Layout.fillWidth: true; height: 1; color: sheet.theme.border }
+        Item {
+            Layout.fillWidth: true
+            Layout.fillHeight: true
+            clip: true
+            WebEngineView {
+                id: view
+                objectName: "authView"
+                anchors.fill: parent
+                anchors.bottomMargin: 8
+                profile: WebViews.profile
+                url: AuthSession.address
+                onNavigationRequested: request => {
+                    if (AuthSession.navigated(request.url))
+                        request.action = WebEngineNavigationRequest.IgnoreRequest
+                }
+                onLoadingChanged: info => {
+                    // Some engines report the callback only as a failed load.
+                    if (info.status === WebEngineView.LoadFailedStatus)
+                        AuthSession.navigated(info.url)
+                }
+            }
+            BusyIndicator {
+                anchors.centerIn: parent
+                visible: view.loading && view.loadProgress < 60
+                running: visible
+            }
+        }
+    }
+}

@@ -1,0 +1,43 @@
+import QtQuick
+
+// A round initial for a person or teammate, with an optional status dot.
+Rectangle {
+    id: avatar
+    property AppTheme theme
+    property string name
+    property string status: ""
+    property int size: 22
+    width: size
+    height: size
+    radius: size / 2
+    // A stable hue per name, so a teammate keeps their colour.
+    readonly property real hue: {
+        var h = 0
+        for (var i = 0; i < name.length; ++i)
+            h = (h * 31 + name.charCodeAt(i)) % 360
+        return h / 360
+    }
+    color: Qt.hsla(hue, 0.55, theme && theme.dark ? 0.38 : 0.62, 1)
+    Text {
+        anchors.centerIn: parent
+        text: avatar.name.length > 0 ? avatar.name.charAt(0).toUpperCase() : "?"
+        color: "white"
+        font.family: "Plus Jakarta Sans"
+        font.weight: Font.Bold
+        font.pixelSize: Math.round(avatar.size * 0.48)
+    }
+    Rectangle {
+        visible: avatar.status.length > 0
+        width: Math.max(7, avatar.size * 0.36)
+        height: width
+        radius: width / 2
+        anchors.right: parent.right
+        anchors.bottom: parent.bottom
+        anchors.margins: -1
+        border.width: 2
+        border.color: avatar.theme ? avatar.theme.sidebar : "white"
+        color: avatar.status === "working" || avatar.status === "running" ? avatar.theme.busy
+             : avatar.status === "idle" || avatar.status === "online" || avatar.status === "ready" ? avatar.theme.good
+             : avatar.theme.muted
+    }
+}

@@ -1,0 +1,142 @@
+import QtQuick
+import QtQuick.Controls.Basic
+import QtQuick.Layouts
+import Kestro.Shell
+
+// The notifications list under the bell: newest first, unread marked; a
+// click opens the item and marks it read.
+Popup {
+    id: popup
+    property AppTheme theme
+    objectName: "bellPopup"
+    width: 380
+    height: Math.min(480, list.contentHeight + top.height + 24)
+    padding: 0
+    onOpened: Bell.load()
+
+    background: Rectangle {
+        radius: 12
+        color: popup.theme.raised
+        border.color: popup.theme.border
+    }
+
+    ColumnLayout {
+        anchors.fill: parent
+        spacing: 0
+        RowLayout {
+            id: top
+            Layout.fillWidth: true
+            Layout.margins: 12
+            Text {
+                Layout.fillWidth: true
+                text: "Notifications"
+                font.family: popup.theme.display
+                font.pixelSize: 15
+                font.weight: Font.Bold
+                color: popup.theme.text
+            }
+            IconButton {
+                theme: popup.theme
+                glyph: "check-check"
+                tip: "Mark all as read"
+                enabled: Bell.unread > 0
+                onClicked: Bell.markAllRead()
+            }
+            IconButton {
+                theme: popup.theme
+                glyph: "trash-2"
+                tip: "Clear all"
+                enabled: Bell.items.length > 0
+                onClicked: Bell.clear()
+            }
+        }
+        Rectangle { Layout.fillWidth: true; height: 1; color: popup.theme.border }
+        Text {
+            visible: Bell.error.length > 0
+            Layout.fillWidth: true
+            Layout.margins: 12
+            text: Bell.error
+            wrapMode: Text.WordWrap
+            font.family: popup.theme.sans
+            font.pixelSize: 13
+            color: popup.theme.danger
+        }
+        Text {
+            visible: Bell.items.length === 0 && !Bell.loading && Bell.error.length === 0
+            Layout.fillWidth: true
+            Layout.margins: 24
+            horizontalAlignment: Text.AlignHCenter
+            text: "You're all caught up."
+            font.family: popup.theme.sans
+            font.pixelSize: 13
+            color: popup.theme.muted
+        }
+        ListView {
+            id: list
+            Layout.fillWidth: true
+            Layout.fillHeight: true
+            clip: true
+            model: Bell.items
+            boundsBehavior: Flickable.StopAtBounds
+            ScrollBar.vertical: ScrollBar {}
+            delegate: AbstractButton {
+                id: row
+                required property var modelData
+                width: ListView.view.width
+                implicitHeight: body.implicitHeight + 20
+                hoverEnabled: true
+                Accessible.name: modelData.title
+                onClicked: {
+                    if (!modelData.read)
+                        Bell.markRead(modelData.id)
+                    popup.close()
+                    App.router.open(modelData.href)
+                }
+                background: Rectangle { color: row.hovered ? popup.theme.hover : "transparent" }
+                contentItem: RowLayout {
+                    id: body
+                    spacing: 10
+                    Avatar {
+                        Layout.alignment: Qt.AlignTop
+                        Layout.leftMargin: 12
+                        Layout.topMargin: 10
+                        theme: popup.theme
+                        name: row.modelData.by ? row.modelData.by.name : "Kestro"
+                        size: 26
+                    }
+                    ColumnLayout {
+                        Layout.fillWidth: true
+                        Layout.topMargin: 10
+                        spacing: 2
+                        Text {
+                            Layout.fillWidth: true
+                            text: row.modelData.title
+                            elide: Text.ElideRight
+                            font.family: popup.theme.sans
+                            font.pixelSize: 13
+                            font.weight: row.modelData.read ? Font.Normal : Font.DemiBold
+                            color: popup.theme.text
+                        }
+                        Text {
+                            Layout.fillWidth: true
+                            text: row.modelData.text
+                            maximumLineCount: 2
+                            wrapMode: Text.WordWrap
+                            elide: Text.ElideRight
+                            font.family: popup.theme.sans
+                            font.pixelSize: 12
+                            color: popup.theme.muted
+                        }
+                    }
+                    Rectangle {
+                        Layout.alignment: Qt.AlignTop
+                        Layout.topMargin: 16
+                        Layout.rightMargin: 14
+                        width: 8; height: 8; radius: 4
+                        color: row.modelData.read ? "transparent" : popup.theme.accent
+                    }
+                }
+            }
+        }
+    }
+}

@@ -1,0 +1,98 @@
+import QtQuick
+import QtQuick.Controls.Basic
+import QtQuick.Layouts
+import Kestro.Shell
+
+// Back, Forward, the page's title and the bell.
+Rectangle {
+    id: header
+    property AppTheme theme
+    property string title
+    property bool loading: false
+    color: theme.page
+    implicitHeight: 48
+
+    Rectangle { anchors.bottom: parent.bottom; width: parent.width; height: 1; color: header.theme.border }
+
+    RowLayout {
+        anchors.fill: parent
+        anchors.leftMargin: 10
+        anchors.rightMargin: 12
+        spacing: 2
+        IconButton {
+            theme: header.theme
+            glyph: Shell.sidebarCollapsed ? "panel-left-open" : "panel-left-close"
+            tip: (Shell.sidebarCollapsed ? "Expand sidebar" : "Collapse sidebar") + "  (Ctrl+Shift+S)"
+            onClicked: Shell.toggleSidebar()
+        }
+        IconButton {
+            objectName: "backButton"
+            theme: header.theme
+            glyph: "chevron-left"
+            tip: "Back  (Ctrl+[)"
+            enabled: App.router.canGoBack
+            onClicked: App.router.goBack()
+        }
+        IconButton {
+            objectName: "forwardButton"
+            theme: header.theme
+            glyph: "chevron-right"
+            tip: "Forward  (Ctrl+])"
+            enabled: App.router.canGoForward
+            onClicked: App.router.goForward()
+        }
+        Text {
+            objectName: "pageTitle"
+            Layout.fillWidth: true
+            Layout.leftMargin: 8
+            text: header.title
+            elide: Text.ElideRight
+            font.family: header.theme.display
+            font.pixelSize: 16
+            font.weight: Font.Bold
+            color: header.theme.text
+        }
+        BusyIndicator {
+            visible: header.loading
+            running: visible
+            implicitWidth: 18
+            implicitHeight: 18
+        }
+        IconButton {
+            id: bellButton
+            objectName: "bellButton"
+            theme: header.theme
+            glyph: "bell"
+            tip: Bell.unread > 0 ? Bell.unread + " unread notifications" : "Notifications"
+            checked: bellPopup.visible
+            onClicked: bellPopup.visible ? bellPopup.close() : bellPopup.open()
+            Rectangle {
+                visible: Bell.unread > 0
+                anchors.top: parent.top
+                anchors.right: parent.right
+                anchors.topMargin: 2
+                anchors.rightMargin: 1
+                height: 15
+                width: Math.max(15, count.implicitWidth + 8)
+                radius: 7.5
+                color: header.theme.badge
+                Text {
+                    id: count
+                    anchors.centerIn: parent
+                    text: Bell.unread > 99 ? "99+" : Bell.unread
+                    color: "white"
+                    font.family: header.theme.sans
+                    font.pixelSize: 10
+                    font.weight: Font.Bold
+                }
+            }
+        }
+    }
+
+    BellPopup {
+        id: bellPopup
+        theme: header.theme
+        x: header.width - width - 10
+        y: header.height - 2
+    }
+}

@@ -1,0 +1,35 @@
+import QtQuick
+import QtQuick.Controls.Basic
+
+// A square, flat button with one icon and a tooltip naming what it does.
+AbstractButton {
+    id: button
+    property AppTheme theme
+    property string glyph
+    property string tip
+    property int iconSize: 16
+    implicitWidth: 30
+    implicitHeight: 30
+    hoverEnabled: true
+    focusPolicy: Qt.TabFocus
+    Accessible.name: tip
+    opacity: enabled ? 1 : 0.35
+
+    background: Rectangle {
+        radius: 7
+        color: button.down || button.checked ? button.theme.selected : (button.hovered ? button.theme.hover : "transparent")
+        border.width: button.visualFocus ? 2 : 0
+        border.color: button.theme.accent
+    }
+    contentItem: Item {
+        Icon {
+            anchors.centerIn: parent
+            name: button.glyph
+            size: button.iconSize
+            color: button.theme.muted
+        }
+    }
+    ToolTip.visible: hovered && tip.length > 0
+    ToolTip.delay: 600
+    ToolTip.text: tip
+}

@@ -1,0 +1,68 @@
+import QtQuick
+import QtQuick.Controls.Basic
+import Kestro.Shell
+
+// The main window: the screen for the app's phase, the sign-in sheet, and
+// the menu commands' keyboard chords.
+ApplicationWindow {
+    id: window
+    objectName: "mainWindow"
+    width: 1240
+    height: 800
+    minimumWidth: 720
+    minimumHeight: 480
+    visible: true
+    title: App.phase === AppModel.SignedIn && frameLoader.item && frameLoader.item.title
+           ? frameLoader.item.title + (Bell.unread > 0 ? " (" + Bell.unread + ")" : "") + " · Kestro"
+           : "Kestro"
+    color: look.ground
+    font.family: look.sans
+
+    AppTheme {
+        id: look
+        dark: Appearance.dark
+        darkShade: Appearance.darkShade
+        lightShade: Appearance.lightShade
+    }
+
+    readonly property bool signedIn: App.phase === AppModel.SignedIn
+
+    Loader {
+        id: frameLoader
+        anchors.fill: parent
+        active: window.signedIn
+        sourceComponent: AppFrame {
+            theme: look
+            onQuitRequested: Qt.quit()
+        }
+    }
+    Loader {
+        anchors.fill: parent
+        active: App.phase === AppModel.SignedOut
+        sourceComponent: SignInScreen { theme: look }
+    }
+    Loader {
+        anchors.fill: parent
+        active: App.phase === AppModel.Launching
+        sourceComponent: App.frameError.length > 0 ? failure : launching
+        Component { id: failure; FailureScreen { theme: look } }
+        Component { id: launching; LaunchScreen { theme: look } }
+    }
+
+    AuthSheet { theme: look }
+
+    // The menu commands. Shift+digit arrives as the shifted character on
+    // most layouts, so both spellings are listened for.
+    Shortcut { sequences: ["Ctrl+K"]; enabled: window.signedIn; onActivated: Shell.paletteOpen = true }
+    Shortcut { sequences: ["Ctrl+["]; enabled: window.signedIn; onActivated: App.router.goBack() }
+    Shortcut { sequences: ["Ctrl+]"]; enabled: window.signedIn; onActivated: App.router.goForward() }
+    Shortcut { sequences: ["Ctrl+Shift+S"]; enabled: window.signedIn; onActivated: Shell.toggleSidebar() }
+    Shortcut { sequences: ["Ctrl+Shift+1", "Ctrl+!"]; enabled: window.signedIn; onActivated: App.router.open("/activity") }
+    Shortcut { sequences: ["Ctrl+Shift+2", "Ctrl+@"]; enabled: window.signedIn; onActivated: App.router.open("/activity?view=you") }
+    Shortcut { sequences: ["Ctrl+Shift+3", "Ctrl+#"]; enabled: window.signedIn; onActivated: App.router.open("/tasks") }
+    Shortcut { sequences: ["Ctrl+Shift+4", "Ctrl+$"]; enabled: window.signedIn; onActivated: App.router.open("/kest") }
+    Shortcut { sequences: ["Ctrl+,"]; enabled: window.signedIn; onActivated: App.router.open("/settings") }
+    Shortcut { sequences: ["Ctrl+Q"]; onActivated: Qt.quit() }
+
+    Component.onCompleted: App.start()
+}

@@ -1,0 +1,26 @@
+import QtQuick
+import Kestro.Shell
+
+// The main area: the page for the router's route. The service's pages
+// share one web view that follows the path; a path the product does not
+// know shows the missing-page view.
+Item {
+    id: host
+    property AppTheme theme
+    readonly property string path: App.router.route.text
+    readonly property var page: Pages.pageFor(path)
+    readonly property bool loading: web.item ? web.item.loading : false
+
+    Loader {
+        id: web
+        anchors.fill: parent
+        active: host.page.kind === "web"
+        visible: active
+        sourceComponent: WebPage { theme: host.theme; path: host.path }
+    }
+    Loader {
+        anchors.fill: parent
+        active: host.page.kind === "missing"
+        sourceComponent: MissingPage { theme: host.theme }
+    }
+}

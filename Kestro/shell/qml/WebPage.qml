@@ -1,0 +1,123 @@
+import QtQuick
+import QtQuick.Controls.Basic
+import QtWebEngine
+import QtWebChannel
+import Kestro.Shell
+
+// One of the service's own pages in the embedded view. Links inside the
+// service go through the router; the page's title, clicks and data changes
+// come back over the "kestro" channel. The view follows the app's theme.
+Item {
+    id: page
+    property AppTheme theme
+    property string path
+    property bool retried: false
+    property string failure: ""
+    property bool missing: false
+    readonly property bool loading: view.loading
+    objectName: "webPage"
+
+    function show() {
+        failure = ""
+        missing = false
+        view.url = WebViews.addressOf(path)
+    }
+    onPathChanged: show()
+
+    function installScripts() {
+        view.userScripts.collection = [
+            { name: "kestro-storage", sourceCode: WebViews.storageScript,
+              injectionPoint: WebEngineScript.DocumentCreation, worldId: WebEngineScript.MainWorld, runsOnSubFrames: false },
+            { name: "kestro-bridge", sourceCode: WebViews.bridgeScript,
+              injectionPoint: WebEngineScript.DocumentCreation, worldId: WebEngineScript.MainWorld, runsOnSubFrames: false },
+            { name: "kestro-relay", sourceCode: WebViews.relayScript,
+              injectionPoint: WebEngineScript.DocumentCreation, worldId: WebEngineScript.ApplicationWorld, runsOnSubFrames: false }
+        ]
+    }
+
+    Connections {
+        target: WebViews
+        function onScriptsChanged() { page.installScripts() }
+    }
+
+    WebEngineView {
+        id: view
+        anchors.fill: parent
+        visible: !page.failure && !page.missing
+        profile: WebViews.profile
+        backgroundColor: "transparent"
+        webChannel: channel
+        webChannelWorld: WebEngineScript.ApplicationWorld
+
+        onNavigationRequested: request => {
+            const decision = WebViews.decide(request.url, request.isMainFrame,
+                request.navigationType === WebEngineNavigationRequest.LinkClickedNavigation, false)
+            if (decision === WebViewsType.Allow)
+                return
+            request.action = WebEngineNavigationRequest.IgnoreRequest
+            if (decision !== WebViewsType.Cancel)
+                WebViews.follow(request.url)
+        }
+        onNewWindowRequested: request => {
+            // No second window: the service's pages open here through the
+            // router, other sites in the browser.
+            WebViews.follow(request.requestedUrl)
+        }
+        onLoadingChanged: info => {
+            if (info.status === WebEngineView.LoadSucceededStatus) {
+                if (WebViews.landed(info.url, page.retried)) {
+                    page.retried = true
+                    view.url = WebViews.addressOf(page.path)
+                } else if (info.url.toString().indexOf("/login") < 0 && info.url.toString().indexOf("/signup") < 0) {
+                    page.retried = false
+                }
+            } else if (info.status === WebEngineView.LoadFailedStatus) {
+                if (info.errorCode === -3)
+                    return // replaced by another load, or refused by the policy above
+                if (info.errorDomain === WebEngineView.HttpErrorDomain && info.errorCode === 404)
+                    page.missing = true
+                else
+                    page.failure = info.errorString.length > 0
+                        ? "The page could not be reached (" + info.errorString + ")."
+                        : "The page could not be reached."
+            }
+        }
+        onRenderProcessTerminated: (status, code) => {
+            if (status !== WebEngineView.NormalTerminationStatus)
+                page.failure = "The page stopped unexpectedly."
+        }
+        Component.onCompleted: {
+            page.installScripts()
+            WebViews.attach(view)
+            page.show()
+        }
+    }
+
+    WebChannel { id: channel; registeredObjects: [bridge] }
+    WebBridge {
+        id: bridge
+        WebChannel.id: "kestro"
+        pageUrl: view.url
+    }
+
+    Rectangle {
+        anchors.top: parent.top
+        height: 2
+        width: parent.width * view.loadProgress / 100
+        visible: view.loading
+        color: page.theme.accent
+    }
+
+    PageFailure {
+        anchors.fill: parent
+        visible: page.failure.length > 0
+        theme: page.theme
+        message: page.failure
+        onRetry: page.show()
+    }
+    MissingPage {
+        anchors.fill: parent
+        visible: page.missing
+        theme: page.theme
+    }
+}
