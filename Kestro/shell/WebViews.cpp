@@ -3,6 +3,7 @@
 #include "AppModel.h"
 #include "Appearance.h"
 #include "Router.h"
+#include "WebPolicy.h"
 #include "WebScripts.h"
 
 #include "service/Auth.h"
@@ -11,8 +12,6 @@
 
 #include <QDesktopServices>
 #include <QDir>
-#include <QJsonDocument>
-#include <QJsonObject>
 #include <QNetworkCookie>
 #include <QQuickItem>
 #include <QQuickWebEngineProfile>
@@ -23,6 +22,8 @@ namespace Kestro {
 
 namespace {
 WebViews* theViews = nullptr;
+static_assert(int(WebViews::Decision::Browser) == int(WebPolicy::Decision::Browser) &&
+              int(WebViews::Decision::Route) == int(WebPolicy::Decision::Route));
 } // namespace
 
 WebViews::WebViews(QUrl origin, Auth& auth, AppModel& app, Appearance& appearance, QObject* parent)
@@ -96,27 +97,9 @@ bool WebViews::sameHost(const QUrl& url) const
     return url.host(QUrl::FullyEncoded) == m_origin.host(QUrl::FullyEncoded);
 }
 
-WebViews::Decision WebViews::decideFor(const QUrl& origin, const QUrl& url, bool mainFrame, bool linkClicked,
-                                       bool newWindow)
-{
-    if (url.isEmpty())
-        return Decision::Cancel;
-    const QString scheme = url.scheme();
-    if (scheme == QLatin1String("about") || scheme == QLatin1String("blob") || scheme == QLatin1String("data"))
-        return Decision::Allow;
-    if (url.host(QUrl::FullyEncoded) == origin.host(QUrl::FullyEncoded)) {
-        if (newWindow || !mainFrame || !linkClicked)
-            return Decision::Allow;
-        return Decision::Route;
-    }
-    if (!mainFrame && !newWindow)
-        return Decision::Allow; // another site's frame inside the page
-    return Decision::Browser;
-}
-
 int WebViews::decide(const QUrl& url, bool mainFrame, bool linkClicked, bool newWindow) const
 {
-    return int(decideFor(m_origin, url, mainFrame, linkClicked, newWindow));
+    return int(WebPolicy::decide(m_origin, url, mainFrame, linkClicked, newWindow));
 }
 
 void WebViews::follow(const QUrl& url)
@@ -133,15 +116,9 @@ void WebViews::follow(const QUrl& url)
     QDesktopServices::openUrl(url);
 }
 
-bool WebViews::isSignInLanding(const QUrl& url)
-{
-    const QString path = url.path();
-    return path == QLatin1String("/login") || path == QLatin1String("/signup");
-}
-
 bool WebViews::landed(const QUrl& url, bool alreadyRetried)
 {
-    if (!sameHost(url) || !isSignInLanding(url))
+    if (!sameHost(url) || !WebPolicy::isSignInLanding(url))
         return false;
     if (!alreadyRetried) {
         writeSessionCookie();
@@ -154,41 +131,23 @@ bool WebViews::landed(const QUrl& url, bool alreadyRetried)
 
 void WebViews::receive(const QString& json, const QUrl& sender)
 {
-    // Only the service's own pages may talk to the app.
-    if (!sameHost(sender))
-        return;
-    const QJsonDocument document = QJsonDocument::fromJson(json.toUtf8());
-    if (!document.isObject())
-        return;
-    handle(document.object().toVariantMap());
-}
-
-void WebViews::handle(const QVariantMap& message)
-{
-    const QVariant kind = message.value(QStringLiteral("kind"));
-    if (kind.typeId() != QMetaType::QString)
-        return;
-    const QString name = kind.toString();
-    if (name == QLatin1String("title")) {
-        const QVariant title = message.value(QStringLiteral("title"));
-        if (title.typeId() != QMetaType::QString)
-            return;
-        const QString text = WebScripts::pageTitle(title.toString());
-        if (text != m_title) {
-            m_title = text;
+    const auto message = WebPolicy::readMessage(json, sender, m_origin);
+    if (!message)
+        return; // another site's frame, or not a message of ours
+    switch (message->kind) {
+    case WebPolicy::Message::Kind::Title:
+        if (message->text != m_title) {
+            m_title = message->text;
             emit titleChanged();
         }
-    } else if (name == QLatin1String("open")) {
-        const QVariant path = message.value(QStringLiteral("path"));
-        if (path.typeId() != QMetaType::QString)
-            return;
-        const QString text = path.toString();
-        if (text.startsWith(QLatin1Char('/')) && !text.startsWith(QLatin1String("//")))
-            m_app.router()->open(text);
-    } else if (name == QLatin1String("changed")) {
+        break;
+    case WebPolicy::Message::Kind::Open:
+        m_app.router()->open(message->text);
+        break;
+    case WebPolicy::Message::Kind::Changed:
         m_app.dataChanged();
+        break;
     }
-    // "replay" belongs to the replay player; anything else is not ours.
 }
 
 void WebViews::writeSessionCookie()

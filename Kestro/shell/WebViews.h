@@ -32,7 +32,7 @@ class WebViews : public QObject {
     Q_PROPERTY(QString title READ title NOTIFY titleChanged)
 
 public:
-    // What to do with a navigation the page starts.
+    // WebPolicy::Decision, for QML.
     enum class Decision { Allow, Cancel, Route, Browser };
     Q_ENUM(Decision)
 
@@ -66,11 +66,6 @@ public:
     void clearSession();
     void applyTheme();
 
-    // Pure parts of the above, for tests.
-    static Decision decideFor(const QUrl& origin, const QUrl& url, bool mainFrame, bool linkClicked,
-                              bool newWindow);
-    static bool isSignInLanding(const QUrl& url);
-
 signals:
     void scriptsChanged();
     void titleChanged();
@@ -78,7 +73,6 @@ signals:
     void themePushed(const QString& script);
 
 private:
-    void handle(const QVariantMap& message);
     bool sameHost(const QUrl& url) const;
 
     QUrl m_origin;

@@ -1,0 +1,30 @@
+#pragma once
+
+#include <QString>
+#include <QUrl>
+
+#include <optional>
+
+namespace Kestro::WebPolicy {
+
+// What to do with a navigation an embedded page starts.
+enum class Decision { Allow, Cancel, Route, Browser };
+
+// Pages of the service stay in the page, except links the user follows in
+// the main frame, which go through the router; other sites' frames load,
+// other sites' pages and windows open in the browser.
+Decision decide(const QUrl& origin, const QUrl& url, bool mainFrame, bool linkClicked, bool newWindow);
+
+// The page ended on the service's sign-in or sign-up page.
+bool isSignInLanding(const QUrl& url);
+
+// A message of the "kestro" channel, checked: from the service's own host,
+// an object with a string "kind", and the fields its kind needs.
+struct Message {
+    enum class Kind { Title, Open, Changed };
+    Kind kind;
+    QString text; // the title, or the path to open
+};
+std::optional<Message> readMessage(const QString& json, const QUrl& sender, const QUrl& origin);
+
+} // namespace Kestro::WebPolicy

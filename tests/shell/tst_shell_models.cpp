@@ -1,0 +1,233 @@
+// The frame's smaller pieces: the scripts pushed into web pages and the
+// checks on what pages send back, the navigation policy, which page shows a
+// route, the palette's list and the bell against a fake service.
+
+#include "shell/BellModel.h"
+#include "shell/PageCatalog.h"
+#include "shell/PaletteModel.h"
+#include "shell/WebPolicy.h"
+#include "shell/WebScripts.h"
+
+#include "SignedInClient.h"
+
+#include <QJsonArray>
+#include <QTest>
+
+using namespace Kestro;
+using namespace KestroTest;
+using namespace Qt::Literals::StringLiterals;
+
+Q_DECLARE_METATYPE(Kestro::WebPolicy::Decision)
+
+class TestShellModels : public QObject {
+    Q_OBJECT
+private slots:
+    void scriptsCarryTheAppearance()
+    {
+        QCOMPARE(WebScripts::storage(u"dark"_s, u"ink"_s, u"sand"_s),
+                 u"try{localStorage.setItem(\"theme\",\"dark\");localStorage.setItem(\"kestro:dark-shade\",\"ink\");"
+                 "localStorage.setItem(\"kestro:light-shade\",\"sand\")}catch(e){}"_s);
+        QCOMPARE(WebScripts::theme(false, u"system"_s, u"graphite"_s, u"paper"_s),
+                 WebScripts::storage(u"system"_s, u"graphite"_s, u"paper"_s) +
+                     u";var d=document.documentElement;d.classList.toggle(\"dark\",false);"
+                     "d.classList.toggle(\"light\",true);d.dataset.shade=\"graphite\";"
+                     "d.dataset.lightShade=\"paper\";d.style.colorScheme=\"light\";"_s);
+        // A hand-edited setting never reaches the page as script.
+        QVERIFY(!WebScripts::storage(u"x\");alert(1);//"_s, u"ink"_s, u"sand"_s).contains(u"alert"_s));
+        QCOMPARE(WebScripts::sessionCookieName(QUrl(u"https://kestro.app"_s)), u"__Host-kestro_app_token"_s);
+        QCOMPARE(WebScripts::sessionCookieName(QUrl(u"http://127.0.0.1:8787"_s)), u"kestro_app_token"_s);
+        QCOMPARE(WebScripts::sessionCookieName(QUrl(u"//host"_s)), u"kestro_app_token"_s);
+    }
+
+    void pageTitles_data()
+    {
+        QTest::addColumn<QString>("title");
+        QTest::addColumn<QString>("shown");
+        QTest::newRow("middle dot") << u"Tasks \u00b7 Kestro"_s << u"Tasks"_s;
+        QTest::newRow("bar") << u"Tasks | Kestro"_s << u"Tasks"_s;
+        QTest::newRow("dash") << u"Tasks - Kestro"_s << u"Tasks"_s;
+        QTest::newRow("begins with it") << u"Kestro \u00b7 Tasks"_s << u"Kestro \u00b7 Tasks"_s;
+        QTest::newRow("only one suffix") << u"A \u00b7 Kestro \u00b7 Kestro"_s << u"A \u00b7 Kestro"_s;
+        QTest::newRow("no blank") << u"Tasks\u00b7Kestro"_s << u"Tasks\u00b7Kestro"_s;
+    }
+    void pageTitles()
+    {
+        QFETCH(QString, title);
+        QFETCH(QString, shown);
+        QCOMPARE(WebScripts::pageTitle(title), shown);
+    }
+
+    void navigationPolicy_data()
+    {
+        QTest::addColumn<QString>("url");
+        QTest::addColumn<bool>("mainFrame");
+        QTest::addColumn<bool>("linkClicked");
+        QTest::addColumn<bool>("newWindow");
+        QTest::addColumn<WebPolicy::Decision>("decision");
+        using D = WebPolicy::Decision;
+        const QString own = u"http://127.0.0.1:8787"_s;
+        QTest::newRow("no address") << QString() << true << true << false << D::Cancel;
+        QTest::newRow("about:blank") << u"about:blank"_s << true << false << false << D::Allow;
+        QTest::newRow("data") << u"data:text/html,x"_s << true << true << false << D::Allow;
+        QTest::newRow("blob") << u"blob:http://127.0.0.1:8787/1"_s << true << true << false << D::Allow;
+        QTest::newRow("own link, main frame") << own + u"/tasks"_s << true << true << false << D::Route;
+        QTest::newRow("own load, main frame") << own + u"/tasks"_s << true << false << false << D::Allow;
+        QTest::newRow("own link, subframe") << own + u"/embed"_s << false << true << false << D::Allow;
+        QTest::newRow("own new window") << own + u"/tasks"_s << true << true << true << D::Allow;
+        QTest::newRow("other port, same host") << u"http://127.0.0.1:9999/x"_s << true << true << false << D::Route;
+        QTest::newRow("foreign link") << u"https://example.com/"_s << true << true << false << D::Browser;
+        QTest::newRow("foreign redirect") << u"https://example.com/"_s << true << false << false << D::Browser;
+        QTest::newRow("foreign subframe") << u"https://video.example/embed"_s << false << false << false << D::Allow;
+        QTest::newRow("foreign new window") << u"https://example.com/"_s << true << true << true << D::Browser;
+    }
+    void navigationPolicy()
+    {
+        QFETCH(QString, url);
+        QFETCH(bool, mainFrame);
+        QFETCH(bool, linkClicked);
+        QFETCH(bool, newWindow);
+        QFETCH(WebPolicy::Decision, decision);
+        QCOMPARE(WebPolicy::decide(QUrl(u"http://127.0.0.1:8787"_s), QUrl(url), mainFrame, linkClicked, newWindow),
+                 decision);
+    }
+
+    void bridgeMessagesAreChecked()
+    {
+        const QUrl origin(u"http://127.0.0.1:8787"_s);
+        const QUrl page(u"http://127.0.0.1:8787/analytics"_s);
+        using K = WebPolicy::Message::Kind;
+        auto read = [&](const QString& json, const QUrl& from) { return WebPolicy::readMessage(json, from, origin); };
+
+        auto title = read(u"{\"kind\":\"title\",\"title\":\"Analytics \u00b7 Kestro\"}"_s, page);
+        QVERIFY(title);
+        QCOMPARE(title->kind, K::Title);
+        QCOMPARE(title->text, u"Analytics"_s);
+        auto open = read(u"{\"kind\":\"open\",\"path\":\"/crm/customers?segment=a#top\"}"_s, page);
+        QVERIFY(open);
+        QCOMPARE(open->kind, K::Open);
+        QCOMPARE(open->text, u"/crm/customers?segment=a#top"_s);
+        QVERIFY(read(u"{\"kind\":\"changed\"}"_s, page));
+
+        // Dropped without a word:
+        QVERIFY(!read(u"{\"kind\":\"title\",\"title\":\"x\"}"_s, QUrl(u"https://ads.example/frame"_s)));
+        QVERIFY(!read(u"{\"kind\":\"open\",\"path\":\"//evil.example/x\"}"_s, page));
+        QVERIFY(!read(u"{\"kind\":\"open\",\"path\":\"https://evil.example/x\"}"_s, page));
+        QVERIFY(!read(u"{\"kind\":\"title\",\"title\":3}"_s, page));
+        QVERIFY(!read(u"{\"kind\":\"title\"}"_s, page));
+        QVERIFY(!read(u"{\"kind\":7}"_s, page));
+        QVERIFY(!read(u"[\"title\"]"_s, page));
+        QVERIFY(!read(u"not json"_s, page));
+        QVERIFY(!read(u"{\"kind\":\"replay\",\"message\":{}}"_s, page));
+
+        QVERIFY(WebPolicy::isSignInLanding(QUrl(u"http://h/login?next=/tasks"_s)));
+        QVERIFY(WebPolicy::isSignInLanding(QUrl(u"http://h/signup"_s)));
+        QVERIFY(!WebPolicy::isSignInLanding(QUrl(u"http://h/loginx"_s)));
+        QVERIFY(!WebPolicy::isSignInLanding(QUrl(u"http://h/tasks"_s)));
+    }
+
+    void routesFindTheirPage()
+    {
+        QCOMPARE(PageCatalog::kindOf(Route::parse(u"/analytics/settings?tab=crawlers"_s)), PageCatalog::Kind::Web);
+        QCOMPARE(PageCatalog::kindOf(Route::parse(u"/kest/nova/chat"_s)), PageCatalog::Kind::Web);
+        QCOMPARE(PageCatalog::kindOf(Route::parse(u"/nowhere"_s)), PageCatalog::Kind::Missing);
+        QCOMPARE(PageCatalog::kindOf(Route::parse(u"/docsearch"_s)), PageCatalog::Kind::Missing);
+        QCOMPARE(PageCatalog::titleOf(Route::parse(u"/activity?view=you"_s)), u"Needs you"_s);
+        QCOMPARE(PageCatalog::titleOf(Route::parse(u"/activity"_s)), u"Home"_s);
+        QCOMPARE(PageCatalog::titleOf(Route::parse(u"/crm/customers"_s)), u"Customers"_s);
+        // Every place the sidebar offers has a page.
+        for (const auto& place : PageCatalog::placeList())
+            QVERIFY2(PageCatalog::kindOf(Route::parse(place.path)) == PageCatalog::Kind::Web, qPrintable(place.path));
+    }
+
+    void paletteListsPlacesTeammatesThenTheServicesMatches()
+    {
+        const QVariantList mates{QVariantMap{{u"handle"_s, u"nova"_s}, {u"name"_s, u"Nova"_s}, {u"title"_s, u"Team lead"_s}},
+                                 QVariantMap{{u"handle"_s, u"quill"_s}, {u"name"_s, u"Quill"_s}, {u"title"_s, u"Writer"_s}}};
+        auto hrefs = [](const QVariantList& items) {
+            QStringList out;
+            for (const QVariant& item : items)
+                out.append(item.toMap().value(u"href"_s).toString());
+            return out;
+        };
+        QCOMPARE(hrefs(PaletteModel::localItems(u"TASK"_s, mates)), QStringList{u"/tasks"_s});
+        QCOMPARE(hrefs(PaletteModel::localItems(u"writer"_s, mates)), QStringList{u"/kest/quill/chat"_s});
+        QCOMPARE(PaletteModel::localItems(QString(), mates).size(), PageCatalog::placeList().size() + 2);
+
+        const QVariantList remote{QVariantMap{{u"href"_s, u"/tasks"_s}, {u"title"_s, u"Tasks"_s}},
+                                  QVariantMap{{u"href"_s, u"/tasks/NW-12"_s}, {u"title"_s, u"Fix the task board"_s}},
+                                  QVariantMap{{u"href"_s, QString()}, {u"title"_s, u"nowhere"_s}}};
+        QCOMPARE(hrefs(PaletteModel::merge(PaletteModel::localItems(u"task"_s, mates), remote)),
+                 (QStringList{u"/tasks"_s, u"/tasks/NW-12"_s}));
+    }
+
+    void bellCountsReadsAndClears()
+    {
+        SignedInClient world;
+        Client::setShared(world.client.get());
+        QJsonArray items{QJsonObject{{u"id"_s, u"n1"_s}, {u"kind"_s, u"reply"_s}, {u"verb"_s, u"replied"_s},
+                                     {u"title"_s, u"Nova replied"_s}, {u"text"_s, u"Done."_s}, {u"href"_s, u"/kest"_s},
+                                     {u"read"_s, false}, {u"at"_s, u"2026-11-21T10:00:00Z"_s}},
+                         QJsonObject{{u"id"_s, u"n2"_s}, {u"kind"_s, u"task"_s}, {u"verb"_s, u"finished"_s},
+                                     {u"title"_s, u"Atlas finished NW-3"_s}, {u"text"_s, u""_s}, {u"href"_s, u"/tasks/NW-3"_s},
+                                     {u"read"_s, false}, {u"at"_s, u"2026-11-21T09:00:00Z"_s}}};
+        QStringList readIds;
+        int calls = 0;
+        world.service.setActionHandler([&](const QByteArray&, const QByteArray& action, const QJsonValue& args,
+                                           const TestHttpServer::Request&) -> TestHttpServer::Response {
+            ++calls;
+            auto unread = [&] {
+                int n = 0;
+                for (const QJsonValue& item : items)
+                    n += !item[u"read"_s].toBool();
+                return n;
+            };
+            if (action == "notificationCountAction")
+                return jsonAnswer(QJsonObject{{u"unread"_s, unread()}});
+            if (action == "notificationsAction")
+                return jsonAnswer(QJsonObject{{u"items"_s, items}, {u"unread"_s, unread()}});
+            if (action == "readNotificationsAction") {
+                for (const QJsonValue& id : args.toArray().at(0).toArray()) {
+                    readIds.append(id.toString());
+                    for (QJsonValueRef item : items)
+                        if (item[u"id"_s] == id) {
+                            QJsonObject changed = item.toObject();
+                            changed[u"read"_s] = true;
+                            item = changed;
+                        }
+                }
+                return jsonAnswer(QJsonObject{{u"unread"_s, unread()}});
+            }
+            if (action == "clearNotificationsAction") {
+                items = {};
+                return jsonAnswer(QJsonObject{{u"done"_s, true}});
+            }
+            return {404, "{}"};
+        });
+
+        BellModel bell;
+        bell.refreshCount();
+        bell.load();
+        QTest::qWait(50);
+        QCOMPARE(calls, 0); // not polling while signed out
+
+        bell.setActive(true);
+        QTRY_COMPARE(bell.unread(), 2);
+        bell.load();
+        QTRY_COMPARE(bell.items().size(), 2);
+        bell.markRead(u"n1"_s);
+        QVERIFY(bell.items().at(0).toMap().value(u"read"_s).toBool()); // at once
+        QTRY_COMPARE(bell.unread(), 1);
+        bell.markAllRead();
+        QTRY_COMPARE(bell.unread(), 0);
+        QCOMPARE(readIds, (QStringList{u"n1"_s, u"n2"_s}));
+        bell.clear();
+        QTRY_VERIFY(bell.items().isEmpty());
+
+        bell.setActive(false);
+        QCOMPARE(bell.unread(), 0);
+        Client::setShared(nullptr);
+    }
+};
+
+QTEST_GUILESS_MAIN(TestShellModels)
+#include "tst_shell_models.moc"
