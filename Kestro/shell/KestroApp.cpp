@@ -35,7 +35,7 @@ void KestroApp::prepare()
 {
     QWebEngineUrlScheme scheme(QByteArrayLiteral("kestro"));
     scheme.setSyntax(QWebEngineUrlScheme::Syntax::Host);
-    scheme.setFlags(QWebEngineUrlScheme::LocalScheme);
+    scheme.setFlags(QWebEngineUrlScheme::SecureScheme | QWebEngineUrlScheme::CorsEnabled);
     QWebEngineUrlScheme::registerScheme(scheme);
     QCoreApplication::setOrganizationName(QStringLiteral("Kestro"));
     QCoreApplication::setApplicationName(QStringLiteral("Kestro"));
@@ -70,6 +70,14 @@ KestroApp::KestroApp(QObject* parent) : QObject(parent)
     m_webViews = std::make_unique<WebViews>(client.origin(), client.auth(), *m_app, *m_appearance);
 
     connect(m_app.get(), &AppModel::callbackArrived, session, &WebAuthSession::deliver);
+    // The sheet's sign-in ends on a "kestro://oauth/..." address; a
+    // "kestro:" link on a service page is a deep link.
+    connect(m_webViews.get(), &WebViews::schemeAddress, this, [this](const QUrl& url) {
+        if (url.host() == QLatin1String("oauth"))
+            m_authSession->navigated(url);
+        else
+            m_app->openUrl(url);
+    });
     // The bell polls while the signed-in frame shows.
     connect(m_app.get(), &AppModel::phaseChanged, this,
             [this] { m_bell->setActive(m_app->phase() == AppModel::Phase::SignedIn); });
@@ -87,7 +95,7 @@ KestroApp::KestroApp(QObject* parent) : QObject(parent)
     qmlRegisterSingletonInstance("Kestro.Shell", 1, 0, "Appearance", m_appearance.get());
     qmlRegisterSingletonInstance("Kestro.Shell", 1, 0, "Pages", m_pages.get());
     qmlRegisterSingletonInstance("Kestro.Shell", 1, 0, "Bell", m_bell.get());
-    qmlRegisterSingletonInstance("Kestro.Shell", 1, 0, "Palette", m_palette.get());
+    qmlRegisterSingletonInstance("Kestro.Shell", 1, 0, "Commands", m_palette.get());
     qmlRegisterSingletonInstance("Kestro.Shell", 1, 0, "AuthSession", m_authSession.get());
     qmlRegisterSingletonInstance("Kestro.Shell", 1, 0, "WebViews", m_webViews.get());
 

@@ -28,7 +28,7 @@ bool WebAuthSession::navigated(const QUrl& url)
 {
     if (url.scheme() != Auth::callbackScheme)
         return false;
-    if (isOpen())
+    if (isOpen() && url.host() == QLatin1String("oauth"))
         end(url);
     return true;
 }

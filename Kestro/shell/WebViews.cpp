@@ -1,6 +1,7 @@
 #include "WebViews.h"
 
 #include "AppModel.h"
+#include "CallbackSchemeHandler.h"
 #include "Appearance.h"
 #include "Router.h"
 #include "WebPolicy.h"
@@ -36,6 +37,9 @@ WebViews::WebViews(QUrl origin, Auth& auth, AppModel& app, Appearance& appearanc
     m_profile->setStorageName(QStringLiteral("Kestro"));
     m_profile->setPersistentCookiesPolicy(QQuickWebEngineProfile::AllowPersistentCookies);
     m_profile->setHttpUserAgent(m_profile->httpUserAgent() + QLatin1Char(' ') + QString::fromLatin1(clientUserAgent()));
+    auto* scheme = new CallbackSchemeHandler(this);
+    m_profile->installUrlSchemeHandler(QByteArrayLiteral("kestro"), scheme);
+    connect(scheme, &CallbackSchemeHandler::received, this, &WebViews::schemeAddress);
 
     // The session cookie follows the access token; a burst of changes (a
     // refresh, then the keychain write) rewrites it once.

@@ -67,6 +67,8 @@ public:
     void applyTheme();
 
 signals:
+    // A "kestro:" address a page was sent to (sign-in callback or deep link).
+    void schemeAddress(const QUrl& url);
     void scriptsChanged();
     void titleChanged();
     // A web page's theme script, for views to run (and QML tests to see).

@@ -16,6 +16,8 @@ struct Known {
 };
 
 const Known knownPages[] = {
+    {"/activity", "Home", "What your kest did today, and what waits for you."},
+    {"/tasks", "Tasks", "Everything in progress, by status."},
     {"/analytics/settings", "Analytics settings",
      "Choose what the tracker counts, who gets reports, and which hosts belong to the site."},
     {"/settings", "Settings", "The workspace's name, members, billing and connected apps."},

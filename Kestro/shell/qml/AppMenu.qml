@@ -6,7 +6,7 @@ import Kestro.Shell
 // The workspace menu: the workspaces to switch to, the app's commands with
 // their chords, appearance, sign-out and quit.
 Menu {
-    id: menu
+    id: root
     property AppTheme theme
     objectName: "appMenu"
     signal quitRequested()
@@ -15,12 +15,16 @@ Menu {
     bottomPadding: 6
     leftPadding: 6
     rightPadding: 6
-    delegate: MenuRow { theme: menu.theme }
-    background: Rectangle {
+    delegate: MenuRow { theme: root.theme }
+    background: Panel {}
+
+    // Each menu needs a background of its own: an item shared between
+    // menus would be moved from one to the other.
+    component Panel: Rectangle {
         implicitWidth: 300
         radius: 10
-        color: menu.theme.raised
-        border.color: menu.theme.border
+        color: root.theme.raised
+        border.color: root.theme.border
     }
 
     component Heading: MenuItem {
@@ -29,15 +33,15 @@ Menu {
         contentItem: Text {
             leftPadding: 2
             text: parent.text
-            font.family: menu.theme.sans
+            font.family: root.theme.sans
             font.pixelSize: 11
             font.weight: Font.Medium
-            color: menu.theme.muted
+            color: root.theme.muted
         }
         background: null
     }
     component Line: MenuSeparator {
-        contentItem: Rectangle { implicitHeight: 1; color: menu.theme.border }
+        contentItem: Rectangle { implicitHeight: 1; color: root.theme.border }
     }
 
     Heading { text: "Workspaces" }
@@ -45,7 +49,7 @@ Menu {
         model: App.frame.workspaces || []
         delegate: MenuRow {
             required property var modelData
-            theme: menu.theme
+            theme: root.theme
             text: modelData.name + (modelData.role === "owner" || modelData.role === "admin" || modelData.role === "member" ? "" : "  (" + modelData.role + ")")
             checkable: false
             checked: modelData.current
@@ -53,48 +57,48 @@ Menu {
             objectName: "workspace-" + modelData.id
             onTriggered: App.switchWorkspace(modelData.id)
         }
-        onObjectAdded: (index, object) => menu.insertItem(1 + index, object)
-        onObjectRemoved: (index, object) => menu.removeItem(object)
+        onObjectAdded: (index, object) => root.insertItem(1 + index, object)
+        onObjectRemoved: (index, object) => root.removeItem(object)
     }
     Line {}
-    MenuRow { theme: menu.theme; text: "Search"; glyph: "search"; chord: "Ctrl+K"; onTriggered: Shell.paletteOpen = true }
-    MenuRow { theme: menu.theme; text: "Back"; glyph: "chevron-left"; chord: "Ctrl+["; enabled: App.router.canGoBack; onTriggered: App.router.goBack() }
-    MenuRow { theme: menu.theme; text: "Forward"; glyph: "chevron-right"; chord: "Ctrl+]"; enabled: App.router.canGoForward; onTriggered: App.router.goForward() }
+    MenuRow { theme: root.theme; text: "Search"; glyph: "search"; chord: "Ctrl+K"; onTriggered: Shell.paletteOpen = true }
+    MenuRow { theme: root.theme; text: "Back"; glyph: "chevron-left"; chord: "Ctrl+["; enabled: App.router.canGoBack; onTriggered: App.router.goBack() }
+    MenuRow { theme: root.theme; text: "Forward"; glyph: "chevron-right"; chord: "Ctrl+]"; enabled: App.router.canGoForward; onTriggered: App.router.goForward() }
     MenuRow {
-        theme: menu.theme
+        theme: root.theme
         text: Shell.sidebarCollapsed ? "Expand sidebar" : "Collapse sidebar"
         glyph: "panel-left"
         chord: "Ctrl+Shift+S"
         onTriggered: Shell.toggleSidebar()
     }
     Line {}
-    MenuRow { theme: menu.theme; text: "Home"; glyph: "house"; chord: "Ctrl+Shift+1"; onTriggered: App.router.open("/activity") }
-    MenuRow { theme: menu.theme; text: "Needs you"; glyph: "hand"; chord: "Ctrl+Shift+2"; onTriggered: App.router.open("/activity?view=you") }
-    MenuRow { theme: menu.theme; text: "Tasks"; glyph: "list-checks"; chord: "Ctrl+Shift+3"; onTriggered: App.router.open("/tasks") }
-    MenuRow { theme: menu.theme; text: "Kest chat"; glyph: "messages-square"; chord: "Ctrl+Shift+4"; onTriggered: App.router.open("/kest") }
-    MenuRow { theme: menu.theme; text: "Settings"; glyph: "settings"; chord: "Ctrl+,"; onTriggered: App.router.open("/settings") }
+    MenuRow { theme: root.theme; text: "Home"; glyph: "house"; chord: "Ctrl+Shift+1"; onTriggered: App.router.open("/activity") }
+    MenuRow { theme: root.theme; text: "Needs you"; glyph: "hand"; chord: "Ctrl+Shift+2"; onTriggered: App.router.open("/activity?view=you") }
+    MenuRow { theme: root.theme; text: "Tasks"; glyph: "list-checks"; chord: "Ctrl+Shift+3"; onTriggered: App.router.open("/tasks") }
+    MenuRow { theme: root.theme; text: "Kest chat"; glyph: "messages-square"; chord: "Ctrl+Shift+4"; onTriggered: App.router.open("/kest") }
+    MenuRow { theme: root.theme; text: "Settings"; glyph: "settings"; chord: "Ctrl+,"; onTriggered: App.router.open("/settings") }
     Line {}
     Menu {
         id: appearance
         title: "Appearance"
-        delegate: MenuRow { theme: menu.theme }
-        background: menu.background
+        delegate: MenuRow { theme: root.theme }
+        background: Panel {}
         topPadding: 6; bottomPadding: 6; leftPadding: 6; rightPadding: 6
-        MenuRow { theme: menu.theme; text: "Match the desktop"; checked: Appearance.mode === "system"; onTriggered: Appearance.mode = "system" }
-        MenuRow { theme: menu.theme; text: "Light"; checked: Appearance.mode === "light"; onTriggered: Appearance.mode = "light" }
-        MenuRow { theme: menu.theme; text: "Dark"; checked: Appearance.mode === "dark"; onTriggered: Appearance.mode = "dark" }
+        MenuRow { theme: root.theme; text: "Match the desktop"; checked: Appearance.mode === "system"; onTriggered: Appearance.mode = "system" }
+        MenuRow { theme: root.theme; text: "Light"; checked: Appearance.mode === "light"; onTriggered: Appearance.mode = "light" }
+        MenuRow { theme: root.theme; text: "Dark"; checked: Appearance.mode === "dark"; onTriggered: Appearance.mode = "dark" }
         Line {}
         Menu {
             id: lightShades
             title: "Light shade"
-            delegate: MenuRow { theme: menu.theme }
-            background: menu.background
+            delegate: MenuRow { theme: root.theme }
+            background: Panel {}
             topPadding: 6; bottomPadding: 6; leftPadding: 6; rightPadding: 6
             Instantiator {
                 model: Appearance.lightShades
                 delegate: MenuRow {
                     required property string modelData
-                    theme: menu.theme
+                    theme: root.theme
                     text: modelData.charAt(0).toUpperCase() + modelData.slice(1)
                     checked: Appearance.lightShade === modelData
                     onTriggered: Appearance.lightShade = modelData
@@ -106,14 +110,14 @@ Menu {
         Menu {
             id: darkShades
             title: "Dark shade"
-            delegate: MenuRow { theme: menu.theme }
-            background: menu.background
+            delegate: MenuRow { theme: root.theme }
+            background: Panel {}
             topPadding: 6; bottomPadding: 6; leftPadding: 6; rightPadding: 6
             Instantiator {
                 model: Appearance.darkShades
                 delegate: MenuRow {
                     required property string modelData
-                    theme: menu.theme
+                    theme: root.theme
                     text: modelData.charAt(0).toUpperCase() + modelData.slice(1)
                     checked: Appearance.darkShade === modelData
                     onTriggered: Appearance.darkShade = modelData
@@ -124,6 +128,6 @@ Menu {
         }
     }
     Line {}
-    MenuRow { objectName: "signOutItem"; theme: menu.theme; text: "Sign Out"; glyph: "log-out"; onTriggered: App.signOut() }
-    MenuRow { theme: menu.theme; text: "Quit Kestro"; glyph: "x"; chord: "Ctrl+Q"; onTriggered: menu.quitRequested() }
+    MenuRow { objectName: "signOutItem"; theme: root.theme; text: "Sign Out"; glyph: "log-out"; onTriggered: App.signOut() }
+    MenuRow { theme: root.theme; text: "Quit Kestro"; glyph: "x"; chord: "Ctrl+Q"; onTriggered: root.quitRequested() }
 }

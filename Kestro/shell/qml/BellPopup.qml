@@ -12,6 +12,7 @@ Popup {
     width: 380
     height: Math.min(480, list.contentHeight + top.height + 24)
     padding: 0
+    focus: true // Escape closes it
     onOpened: Bell.load()
 
     background: Rectangle {

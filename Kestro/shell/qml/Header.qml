@@ -63,7 +63,7 @@ Rectangle {
             objectName: "bellButton"
             theme: header.theme
             glyph: "bell"
-            tip: Bell.unread > 0 ? Bell.unread + " unread notifications" : "Notifications"
+            tip: Bell.unread === 1 ? "1 unread notification" : Bell.unread > 1 ? Bell.unread + " unread notifications" : "Notifications"
             checked: bellPopup.visible
             onClicked: bellPopup.visible ? bellPopup.close() : bellPopup.open()
             Rectangle {

@@ -7,9 +7,13 @@ MenuItem {
     property AppTheme theme
     property string chord
     property string glyph
+    // Submenu rows are made by their menu before the theme reaches them.
+    readonly property color ink: theme ? theme.text : "black"
+    readonly property color faint: theme ? theme.muted : "gray"
+    readonly property color pick: theme ? theme.selected : "transparent"
     implicitHeight: 32
     implicitWidth: 280
-    font.family: theme.sans
+    font.family: "Geist"
     font.pixelSize: 13
     contentItem: Item {
         Icon {
@@ -19,7 +23,7 @@ MenuItem {
             name: item.checked ? "check" : item.glyph
             visible: name.length > 0
             size: 15
-            color: item.theme.muted
+            color: item.faint
         }
         Text {
             anchors.left: parent.left
@@ -29,16 +33,16 @@ MenuItem {
             text: item.text
             font: item.font
             elide: Text.ElideRight
-            color: item.enabled ? item.theme.text : item.theme.muted
+            color: item.enabled ? item.ink : item.faint
         }
         Text {
             id: chordText
             anchors.right: parent.right
             anchors.verticalCenter: parent.verticalCenter
             text: item.chord
-            font.family: item.theme.sans
+            font.family: "Geist"
             font.pixelSize: 12
-            color: item.theme.muted
+            color: item.faint
         }
     }
     indicator: null
@@ -48,10 +52,11 @@ MenuItem {
         y: (item.height - height) / 2
         name: "chevron-right"
         size: 14
-        color: item.theme.muted
+        // Submenu rows are made by the menu before their theme is set.
+        color: item.theme ? item.faint : "gray"
     }
     background: Rectangle {
         radius: 6
-        color: item.highlighted ? item.theme.selected : "transparent"
+        color: item.highlighted ? item.pick : "transparent"
     }
 }

@@ -7,7 +7,7 @@ import Kestro.Shell
 // The command palette (Ctrl+K): type to filter pages, teammates, tasks and
 // projects; arrows choose, Enter opens through the router, Escape closes.
 Popup {
-    id: palette
+    id: popup
     property AppTheme theme
     objectName: "palette"
     modal: true
@@ -21,26 +21,26 @@ Popup {
         target: Shell
         function onPaletteOpenChanged() {
             if (Shell.paletteOpen)
-                palette.open()
+                popup.open()
             else
-                palette.close()
+                popup.close()
         }
     }
     onOpened: { field.text = ""; results.currentIndex = 0; field.forceActiveFocus() }
-    onClosed: { Shell.paletteOpen = false; Palette.reset() }
+    onClosed: { Shell.paletteOpen = false; Commands.reset() }
 
-    Overlay.modal: Rectangle { color: palette.theme.scrim }
+    Overlay.modal: Rectangle { color: popup.theme.scrim }
     background: Rectangle {
         radius: 14
-        color: palette.theme.raised
-        border.color: palette.theme.border
+        color: popup.theme.raised
+        border.color: popup.theme.border
     }
 
     function choose(index) {
-        var item = Palette.items[index]
+        var item = Commands.items[index]
         if (!item)
             return
-        palette.close()
+        popup.close()
         App.router.open(item.href)
     }
 
@@ -51,37 +51,37 @@ Popup {
             Layout.fillWidth: true
             Layout.margins: 14
             spacing: 10
-            Icon { name: "search"; size: 18; color: palette.theme.muted }
+            Icon { name: "search"; size: 18; color: popup.theme.muted }
             TextField {
                 id: field
                 objectName: "paletteField"
                 Layout.fillWidth: true
                 placeholderText: "Search pages, teammates, tasks and projects"
-                placeholderTextColor: palette.theme.muted
-                color: palette.theme.text
-                font.family: palette.theme.sans
+                placeholderTextColor: popup.theme.muted
+                color: popup.theme.text
+                font.family: popup.theme.sans
                 font.pixelSize: 16
                 background: null
-                onTextChanged: { Palette.query = text; results.currentIndex = 0 }
+                onTextChanged: { Commands.query = text; results.currentIndex = 0 }
                 Keys.onDownPressed: results.currentIndex = Math.min(results.count - 1, results.currentIndex + 1)
                 Keys.onUpPressed: results.currentIndex = Math.max(0, results.currentIndex - 1)
-                Keys.onReturnPressed: palette.choose(results.currentIndex)
-                Keys.onEnterPressed: palette.choose(results.currentIndex)
-                Keys.onEscapePressed: palette.close()
+                Keys.onReturnPressed: popup.choose(results.currentIndex)
+                Keys.onEnterPressed: popup.choose(results.currentIndex)
+                Keys.onEscapePressed: popup.close()
             }
-            BusyIndicator { visible: Palette.searching; running: visible; implicitWidth: 18; implicitHeight: 18 }
+            BusyIndicator { visible: Commands.searching; running: visible; implicitWidth: 18; implicitHeight: 18 }
         }
-        Rectangle { Layout.fillWidth: true; height: 1; color: palette.theme.border }
+        Rectangle { Layout.fillWidth: true; height: 1; color: popup.theme.border }
         Text {
             visible: results.count === 0
             Layout.fillWidth: true
             Layout.margins: 22
             horizontalAlignment: Text.AlignHCenter
-            text: Palette.searching ? "Searching…" : (Palette.error.length > 0 ? Palette.error : "Nothing matches \u201c" + field.text + "\u201d.")
+            text: Commands.searching ? "Searching…" : (Commands.error.length > 0 ? Commands.error : "Nothing matches \u201c" + field.text + "\u201d.")
             wrapMode: Text.WordWrap
-            font.family: palette.theme.sans
+            font.family: popup.theme.sans
             font.pixelSize: 13
-            color: palette.theme.muted
+            color: popup.theme.muted
         }
         ListView {
             id: results
@@ -90,7 +90,7 @@ Popup {
             Layout.fillHeight: true
             Layout.margins: 6
             clip: true
-            model: Palette.items
+            model: Commands.items
             highlightMoveDuration: 0
             boundsBehavior: Flickable.StopAtBounds
             delegate: AbstractButton {
@@ -101,37 +101,37 @@ Popup {
                 implicitHeight: 40
                 hoverEnabled: true
                 Accessible.name: modelData.title
-                onClicked: palette.choose(index)
+                onClicked: popup.choose(index)
                 onHoveredChanged: if (hovered) results.currentIndex = index
                 background: Rectangle {
                     radius: 8
-                    color: row.ListView.isCurrentItem ? palette.theme.selected : "transparent"
+                    color: row.ListView.isCurrentItem ? popup.theme.selected : "transparent"
                 }
                 contentItem: RowLayout {
                     spacing: 10
-                    Icon { Layout.leftMargin: 10; name: row.modelData.icon; size: 16; color: palette.theme.muted }
+                    Icon { Layout.leftMargin: 10; name: row.modelData.icon; size: 16; color: popup.theme.muted }
                     Text {
                         text: row.modelData.title
                         elide: Text.ElideRight
                         Layout.maximumWidth: row.width * 0.6
-                        font.family: palette.theme.sans
+                        font.family: popup.theme.sans
                         font.pixelSize: 14
-                        color: palette.theme.text
+                        color: popup.theme.text
                     }
                     Text {
                         Layout.fillWidth: true
                         text: row.modelData.subtitle
                         elide: Text.ElideRight
-                        font.family: palette.theme.sans
+                        font.family: popup.theme.sans
                         font.pixelSize: 12
-                        color: palette.theme.muted
+                        color: popup.theme.muted
                     }
                     Text {
                         Layout.rightMargin: 10
                         text: row.modelData.kind
-                        font.family: palette.theme.sans
+                        font.family: popup.theme.sans
                         font.pixelSize: 11
-                        color: palette.theme.muted
+                        color: popup.theme.muted
                     }
                 }
             }

@@ -1,0 +1,263 @@
+// The whole app, end to end, against the real local service on 127.0.0.1:
+// launch, sign in through the sheet, the frame, the palette, pages and
+// their links, Back and Forward, the bell, dark mode, switching workspace,
+// signing out. Each state is saved as a PNG in the build tree to look at;
+// nothing is compared pixel by pixel. Any QML warning fails the test.
+
+#include "shell/AppModel.h"
+#include "shell/Appearance.h"
+#include "shell/KestroApp.h"
+#include "shell/Router.h"
+#include "shell/WebAuthSession.h"
+#include "shell/WebViews.h"
+
+#include "service/Auth.h"
+#include "service/Client.h"
+#include "service/ServiceOrigin.h"
+
+#include <QDir>
+#include <QGuiApplication>
+#include <QProcess>
+#include <QQuickItem>
+#include <QQuickWindow>
+#include <QStandardPaths>
+#include <QTcpServer>
+#include <QTcpSocket>
+#include <QTemporaryDir>
+#include <QTest>
+
+#include <csignal>
+#include <sys/prctl.h>
+
+using namespace Kestro;
+using namespace Qt::Literals::StringLiterals;
+
+namespace {
+
+QStringList qmlWarnings;
+QtMessageHandler previousHandler = nullptr;
+
+void watchWarnings(QtMsgType type, const QMessageLogContext& context, const QString& message)
+{
+    if ((type == QtWarningMsg || type == QtCriticalMsg) && message.contains(u"qrc:/Kestro"_s))
+        qmlWarnings.append(message);
+    previousHandler(type, context, message);
+}
+
+quint16 freePort()
+{
+    QTcpServer probe;
+    probe.listen(QHostAddress::LocalHost, 0);
+    return probe.serverPort();
+}
+
+} // namespace
+
+class TestEndToEnd : public QObject {
+    Q_OBJECT
+
+    QTemporaryDir m_data;
+    QProcess m_service;
+    QUrl m_origin;
+    std::unique_ptr<KestroApp> m_app;
+    int m_shot = 0;
+
+    QQuickWindow* window() const { return m_app->window(); }
+
+    QObject* find(const QString& name) const
+    {
+        return window() ? window()->findChild<QObject*>(name) : nullptr;
+    }
+    QQuickItem* item(const QString& name) const { return qobject_cast<QQuickItem*>(find(name)); }
+    bool showing(const QString& name) const
+    {
+        QQuickItem* it = item(name);
+        return it && it->isVisible();
+    }
+    QString text(const QString& name) const
+    {
+        QObject* it = find(name);
+        return it ? it->property("text").toString() : QString();
+    }
+    void click(const QString& name)
+    {
+        QQuickItem* it = item(name);
+        QVERIFY2(it, qPrintable(name));
+        const QPointF centre = it->mapToScene(QPointF(it->width() / 2, it->height() / 2));
+        QTest::mouseClick(window(), Qt::LeftButton, {}, centre.toPoint());
+    }
+    void shoot(const QString& name)
+    {
+        // Let the scene settle (animations, web content) before grabbing.
+        QTest::qWait(400);
+        const QDir dir(QStringLiteral(KESTRO_SCREENSHOT_DIR));
+        QDir().mkpath(dir.path());
+        const QString file = dir.filePath(u"e2e-%1-%2.png"_s.arg(++m_shot, 2, 10, QLatin1Char('0')).arg(name));
+        QVERIFY2(window()->grabWindow().save(file), qPrintable(file));
+    }
+    QString route() const { return m_app->router().route().text(); }
+
+private slots:
+    void initTestCase()
+    {
+        previousHandler = qInstallMessageHandler(watchWarnings);
+        QVERIFY(m_data.isValid());
+        const quint16 port = freePort();
+        m_origin = QUrl(u"http://127.0.0.1:%1"_s.arg(port));
+        m_service.setProcessChannelMode(QProcess::ForwardedErrorChannel);
+        // The service goes with the test, even when the test is killed.
+        m_service.setChildProcessModifier([] { prctl(PR_SET_PDEATHSIG, SIGTERM); });
+        m_service.start(QStringLiteral(KESTRO_DEVSERVICE), {u"--port"_s, QString::number(port), u"--data"_s,
+                                                           m_data.path(), u"--auto-approve"_s});
+        QVERIFY(m_service.waitForStarted());
+        QTRY_VERIFY_WITH_TIMEOUT(
+            [&] {
+                QTcpSocket socket;
+                socket.connectToHost(QHostAddress::LocalHost, port);
+                return socket.waitForConnected(200);
+            }(),
+            10000);
+        ServiceOrigin::setOverride(m_origin);
+        m_app = std::make_unique<KestroApp>();
+        QVERIFY(m_app->show());
+        QVERIFY(QTest::qWaitForWindowExposed(window()));
+        window()->requestActivate();
+        QVERIFY(QTest::qWaitForWindowActive(window()));
+    }
+
+    void cleanupTestCase()
+    {
+        m_app.reset();
+        m_service.terminate();
+        m_service.waitForFinished(5000);
+        qInstallMessageHandler(previousHandler);
+    }
+
+    void launchesSignedOut()
+    {
+        QTRY_COMPARE_WITH_TIMEOUT(m_app->app().phase(), AppModel::Phase::SignedOut, 10000);
+        QTRY_VERIFY(showing(u"signInScreen"_s));
+        shoot(u"sign-in"_s);
+    }
+
+    void signsInThroughTheSheet()
+    {
+        click(u"signInButton"_s);
+        QTRY_COMPARE_WITH_TIMEOUT(m_app->app().phase(), AppModel::Phase::SignedIn, 30000);
+        QVERIFY(m_app->app().signInError().isEmpty());
+        QVERIFY(Client::shared().auth().tokens());
+        QTRY_COMPARE(text(u"workspaceName"_s), u"Northwind Studio"_s);
+        QCOMPARE(route(), u"/activity"_s);
+        // The page's title comes back over the bridge from the service's page.
+        QTRY_COMPARE_WITH_TIMEOUT(m_app->webViews().title(), u"Home"_s, 20000);
+        QTRY_COMPARE(text(u"pageTitle"_s), u"Home"_s);
+        shoot(u"frame"_s);
+    }
+
+    void opensAPageFromThePalette()
+    {
+        QTest::keyClick(window(), Qt::Key_K, Qt::ControlModifier);
+        QTRY_VERIFY(find(u"palette"_s) && find(u"palette"_s)->property("opened").toBool());
+        for (const char letter : QByteArray("analytics"))
+            QTest::keyClick(window(), letter);
+        QTRY_VERIFY(find(u"paletteResults"_s)->property("count").toInt() > 0);
+        shoot(u"palette"_s);
+        QTest::keyClick(window(), Qt::Key_Return);
+        QTRY_COMPARE(route(), u"/analytics"_s);
+        QTRY_VERIFY(!find(u"palette"_s)->property("visible").toBool());
+        QTRY_COMPARE_WITH_TIMEOUT(text(u"pageTitle"_s), u"Analytics"_s, 20000);
+        shoot(u"analytics"_s);
+    }
+
+    void followsALinkInsideAServicePage()
+    {
+        // A click on an in-site link is routed by the app, not the view.
+        QObject* view = find(u"webPage"_s);
+        QVERIFY(view);
+        QQuickItem* web = nullptr;
+        for (QQuickItem* child : qobject_cast<QQuickItem*>(view)->childItems())
+            if (QByteArray(child->metaObject()->className()).contains("WebEngineView"))
+                web = child;
+        QVERIFY(web);
+        QMetaObject::invokeMethod(web, "runJavaScript",
+                                  Q_ARG(QString, u"document.querySelector('a[href=\"/crm/customers\"]').click()"_s));
+        QTRY_COMPARE_WITH_TIMEOUT(route(), u"/crm/customers"_s, 10000);
+        QTRY_COMPARE_WITH_TIMEOUT(text(u"pageTitle"_s), u"Customers"_s, 20000);
+    }
+
+    void goesBackAndForward()
+    {
+        QTest::keyClick(window(), Qt::Key_BracketLeft, Qt::ControlModifier);
+        QTRY_COMPARE(route(), u"/analytics"_s);
+        click(u"backButton"_s);
+        QTRY_COMPARE(route(), u"/activity"_s);
+        QTest::keyClick(window(), Qt::Key_BracketRight, Qt::ControlModifier);
+        QTRY_COMPARE(route(), u"/analytics"_s);
+        click(u"forwardButton"_s);
+        QTRY_COMPARE(route(), u"/crm/customers"_s);
+        QVERIFY(!m_app->router().canGoForward());
+    }
+
+    void showsTheMissingPage()
+    {
+        m_app->router().open(u"/no-such-place"_s);
+        QTRY_VERIFY(showing(u"missingPage"_s));
+        shoot(u"missing-page"_s);
+    }
+
+    void opensTheBell()
+    {
+        m_app->router().open(u"/kest"_s);
+        click(u"bellButton"_s);
+        QTRY_VERIFY(find(u"bellPopup"_s) && find(u"bellPopup"_s)->property("opened").toBool());
+        QTest::qWait(500);
+        shoot(u"bell"_s);
+        QTest::keyClick(window(), Qt::Key_Escape);
+        QTRY_VERIFY(!find(u"bellPopup"_s)->property("visible").toBool());
+    }
+
+    void turnsDark()
+    {
+        m_app->router().open(u"/settings"_s);
+        QTRY_COMPARE_WITH_TIMEOUT(text(u"pageTitle"_s), u"Settings"_s, 20000);
+        m_app->appearance().setMode(u"dark"_s);
+        QVERIFY(m_app->appearance().isDark());
+        shoot(u"dark"_s);
+        m_app->appearance().setMode(u"system"_s);
+    }
+
+    void switchesWorkspace()
+    {
+        click(u"workspaceButton"_s);
+        QTRY_VERIFY(find(u"appMenu"_s) && find(u"appMenu"_s)->property("opened").toBool());
+        shoot(u"workspace-menu"_s);
+        click(u"workspace-w2"_s);
+        QTRY_COMPARE_WITH_TIMEOUT(text(u"workspaceName"_s), u"Lakeside Labs"_s, 10000);
+        QCOMPARE(route(), u"/activity"_s);
+        QVERIFY(!m_app->app().canWrite()); // a viewer there
+        shoot(u"other-workspace"_s);
+    }
+
+    void signsOut()
+    {
+        m_app->app().signOut();
+        QCOMPARE(m_app->app().phase(), AppModel::Phase::SignedOut);
+        QTRY_VERIFY(showing(u"signInScreen"_s));
+        QTRY_VERIFY(!Client::shared().auth().tokens());
+        m_app->app().signOut(); // nothing happens the second time
+        QCOMPARE(m_app->app().phase(), AppModel::Phase::SignedOut);
+        shoot(u"signed-out"_s);
+        QVERIFY2(qmlWarnings.isEmpty(), qPrintable(qmlWarnings.join(u'\n')));
+    }
+};
+
+int main(int argc, char** argv)
+{
+    KestroApp::prepare();
+    QStandardPaths::setTestModeEnabled(true);
+    QGuiApplication application(argc, argv);
+    TestEndToEnd test;
+    return QTest::qExec(&test, argc, argv);
+}
+
+#include "tst_e2e.moc"
