@@ -21,6 +21,7 @@
 
 #include <QCommandLineParser>
 #include <QDesktopServices>
+#include <QFile>
 #include <QGuiApplication>
 #include <QQmlApplicationEngine>
 #include <QQuickStyle>
@@ -134,6 +135,43 @@ void KestroApp::openUrl(const QUrl& url)
     raise();
 }
 
+namespace {
+
+// This process's resident memory in kB, from /proc.
+QByteArray residentKilobytes()
+{
+    QFile status(QStringLiteral("/proc/self/status"));
+    if (!status.open(QIODevice::ReadOnly))
+        return "0";
+    const QByteArray text = status.readAll();
+    const int at = text.indexOf("VmRSS:");
+    if (at < 0)
+        return "0";
+    return text.mid(at + 6, text.indexOf('\n', at) - at - 6).trimmed().split(' ').first();
+}
+
+} // namespace
+
+void KestroApp::exitWhenReady()
+{
+    // For the start-up benchmark: "ready <kB>" once the signed-in frame has
+    // been drawn, "settled <kB>" once its first page has loaded, then quit.
+    connect(m_app.get(), &AppModel::phaseChanged, this, [this] {
+        if (m_app->phase() != AppModel::Phase::SignedIn || !window())
+            return;
+        connect(window(), &QQuickWindow::frameSwapped, this, [] {
+            QTextStream(stdout) << "ready " << residentKilobytes() << Qt::endl;
+        }, Qt::SingleShotConnection);
+        window()->update();
+    });
+    connect(m_webViews.get(), &WebViews::titleChanged, this, [this] {
+        if (m_webViews->title().isEmpty())
+            return;
+        QTextStream(stdout) << "settled " << residentKilobytes() << Qt::endl;
+        QCoreApplication::quit();
+    });
+}
+
 void KestroApp::raise()
 {
     if (QQuickWindow* w = window()) {
@@ -182,6 +220,8 @@ int KestroApp::main(int argc, char** argv)
     QObject::connect(&instance, &SingleInstance::received, &app, &KestroApp::openUrl);
     if (!app.show())
         return 1;
+    if (qEnvironmentVariableIsSet("KESTRO_EXIT_WHEN_READY"))
+        app.exitWhenReady();
     for (const QUrl& url : urls)
         app.openUrl(url);
     return application.exec();

@@ -41,6 +41,9 @@ public:
     bool show();
     // A URL the system handed over: sign-in callback or deep link.
     void openUrl(const QUrl& url);
+    // Prints "ready <resident kB>" and quits once the signed-in frame is
+    // drawn (KESTRO_EXIT_WHEN_READY, for the start-up benchmark).
+    void exitWhenReady();
 
     AppModel& app() const { return *m_app; }
     Router& router() const { return *m_router; }

@@ -61,7 +61,7 @@ QString PageCatalog::titleOf(const Route& route)
     if (route.segments.first() == QLatin1String("activity") &&
         route.query.value(QStringLiteral("view")) == QLatin1String("you"))
         return QStringLiteral("Needs you");
-    return families().value(route.segments.first(), QStringLiteral("Kestro"));
+    return families().value(route.segments.first(), QStringLiteral("Not found"));
 }
 
 const QList<PageCatalog::Place>& PageCatalog::placeList()

@@ -31,6 +31,29 @@ WebViews::WebViews(QUrl origin, Auth& auth, AppModel& app, Appearance& appearanc
     : QObject(parent), m_origin(std::move(origin)), m_auth(auth), m_app(app), m_appearance(appearance),
       m_bridge(WebScripts::bridge()), m_relay(WebScripts::relay())
 {
+    // The session cookie follows the access token; a burst of changes (a
+    // refresh, then the keychain write) rewrites it once.
+    m_refresher.setSingleShot(true);
+    m_refresher.setInterval(0);
+    connect(&m_refresher, &QTimer::timeout, this, &WebViews::writeSessionCookie);
+    connect(&m_auth, &Auth::tokensChanged, &m_refresher, qOverload<>(&QTimer::start));
+    connect(&m_appearance, &Appearance::changed, this, &WebViews::applyTheme);
+    connect(m_app.router(), &Router::routeChanged, this, [this] {
+        if (!m_title.isEmpty()) {
+            m_title.clear();
+            emit titleChanged();
+        }
+    });
+    WebBridge::setViews(this);
+}
+
+QQuickWebEngineProfile* WebViews::profile()
+{
+    // Made on first use: starting the web engine costs a good part of a
+    // second and much memory, and a signed-out window or a native page
+    // does not need it.
+    if (m_profile)
+        return m_profile;
     // One persistent profile: the service's pages keep their local storage
     // and the sign-in sheet shares the user's session with them.
     m_profile = new QQuickWebEngineProfile(this);
@@ -40,13 +63,6 @@ WebViews::WebViews(QUrl origin, Auth& auth, AppModel& app, Appearance& appearanc
     auto* scheme = new CallbackSchemeHandler(this);
     m_profile->installUrlSchemeHandler(QByteArrayLiteral("kestro"), scheme);
     connect(scheme, &CallbackSchemeHandler::received, this, &WebViews::schemeAddress);
-
-    // The session cookie follows the access token; a burst of changes (a
-    // refresh, then the keychain write) rewrites it once.
-    m_refresher.setSingleShot(true);
-    m_refresher.setInterval(0);
-    connect(&m_refresher, &QTimer::timeout, this, &WebViews::writeSessionCookie);
-    connect(&m_auth, &Auth::tokensChanged, &m_refresher, qOverload<>(&QTimer::start));
     // A session cookie the site or the engine dropped is written again.
     connect(m_profile->cookieStore(), &QWebEngineCookieStore::cookieRemoved, this,
             [this](const QNetworkCookie& cookie) {
@@ -54,15 +70,8 @@ WebViews::WebViews(QUrl origin, Auth& auth, AppModel& app, Appearance& appearanc
                     m_auth.tokens())
                     m_refresher.start();
             });
-    connect(&m_appearance, &Appearance::changed, this, &WebViews::applyTheme);
-    connect(m_app.router(), &Router::routeChanged, this, [this] {
-        if (!m_title.isEmpty()) {
-            m_title.clear();
-            emit titleChanged();
-        }
-    });
-    WebBridge::setViews(this);
     writeSessionCookie();
+    return m_profile;
 }
 
 WebViews::~WebViews()
@@ -70,9 +79,9 @@ WebViews::~WebViews()
     WebBridge::setViews(nullptr);
 }
 
-QObject* WebViews::profileObject() const
+QObject* WebViews::profileObject()
 {
-    return m_profile;
+    return profile();
 }
 
 QString WebViews::storageScript() const
@@ -157,8 +166,8 @@ void WebViews::receive(const QString& json, const QUrl& sender)
 void WebViews::writeSessionCookie()
 {
     const auto tokens = m_auth.tokens();
-    if (!tokens)
-        return;
+    if (!tokens || !m_profile)
+        return; // a profile made later writes it then
     QNetworkCookie cookie(WebScripts::sessionCookieName(m_origin).toLatin1(), tokens->access.toUtf8());
     // A host-only cookie: "__Host-" requires no domain, the path "/" and,
     // over https, the secure flag.
@@ -168,13 +177,13 @@ void WebViews::writeSessionCookie()
     cookie.setExpirationDate(tokens->expiresAt);
     QUrl at = m_origin;
     at.setPath(QStringLiteral("/"));
-    m_profile->cookieStore()->setCookie(cookie, at);
+    profile()->cookieStore()->setCookie(cookie, at);
 }
 
 void WebViews::clearSession()
 {
-    m_profile->cookieStore()->deleteAllCookies();
-    m_profile->clearHttpCache();
+    profile()->cookieStore()->deleteAllCookies();
+    profile()->clearHttpCache();
     if (!m_title.isEmpty()) {
         m_title.clear();
         emit titleChanged();

@@ -39,8 +39,8 @@ public:
     WebViews(QUrl origin, Auth& auth, AppModel& app, Appearance& appearance, QObject* parent = nullptr);
     ~WebViews() override;
 
-    QQuickWebEngineProfile* profile() const { return m_profile; }
-    QObject* profileObject() const;
+    QQuickWebEngineProfile* profile();
+    QObject* profileObject();
     QString storageScript() const;
     QString bridgeScript() const { return m_bridge; }
     QString relayScript() const { return m_relay; }
@@ -81,7 +81,7 @@ private:
     Auth& m_auth;
     AppModel& m_app;
     Appearance& m_appearance;
-    QQuickWebEngineProfile* m_profile;
+    QQuickWebEngineProfile* m_profile = nullptr;
     QList<QPointer<QQuickItem>> m_live;
     QString m_bridge;
     QString m_relay;

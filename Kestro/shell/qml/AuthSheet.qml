@@ -73,26 +73,26 @@ Popup {
             Layout.fillWidth: true
             Layout.fillHeight: true
             clip: true
-            WebEngineView {
-                id: view
-                objectName: "authView"
+            // The view exists only while the sheet is open: an idle web
+            // view costs memory and CPU.
+            Loader {
+                id: viewLoader
                 anchors.fill: parent
                 anchors.bottomMargin: 8
-                profile: WebViews.profile
-                url: AuthSession.address
-                onNavigationRequested: request => {
-                    if (AuthSession.navigated(request.url))
-                        request.action = WebEngineNavigationRequest.IgnoreRequest
-                }
-                onLoadingChanged: info => {
-                    // Some engines report the callback only as a failed load.
-                    if (info.status === WebEngineView.LoadFailedStatus)
-                        AuthSession.navigated(info.url)
+                active: sheet.visible
+                sourceComponent: WebEngineView {
+                    objectName: "authView"
+                    profile: WebViews.profile
+                    url: AuthSession.address
+                    onNavigationRequested: request => {
+                        if (AuthSession.navigated(request.url))
+                            request.action = WebEngineNavigationRequest.IgnoreRequest
+                    }
                 }
             }
             BusyIndicator {
                 anchors.centerIn: parent
-                visible: view.loading && view.loadProgress < 60
+                visible: !!viewLoader.item && viewLoader.item.loading && viewLoader.item.loadProgress < 60
                 running: visible
             }
         }

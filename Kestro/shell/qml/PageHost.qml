@@ -15,6 +15,8 @@ Item {
         id: web
         anchors.fill: parent
         active: host.page.kind === "web"
+        // The frame paints first; the web engine starts right after.
+        asynchronous: true
         visible: active
         sourceComponent: WebPage { theme: host.theme; path: host.path }
     }

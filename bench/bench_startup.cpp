@@ -1,0 +1,145 @@
+// Cold start and memory of Kestro beside a bare Qt Quick window, measured in
+// the same run: from starting the process to the signed-in frame drawn
+// (tokens in the keyring, the local service running), and the resident
+// memory at that moment. Run under Xvfb with a Secret Service:
+//   xvfb-run -a scripts/headless-session build/default/bench/bench_startup [rounds]
+// Goals: start within 2x the bare window's time; memory within its + 60 MB.
+
+#include "service/Auth.h"
+#include "service/BlockingWait.h"
+#include "service/KeychainStore.h"
+
+#include <QCoreApplication>
+#include <QElapsedTimer>
+#include <QNetworkAccessManager>
+#include <QNetworkReply>
+#include <QProcess>
+#include <QTcpServer>
+#include <QTcpSocket>
+#include <QTemporaryDir>
+#include <QTextStream>
+#include <QThread>
+
+#include <csignal>
+#include <sys/prctl.h>
+
+using namespace Kestro;
+
+namespace {
+
+struct Run {
+    double millis = 0;
+    double residentMB = 0;
+    double settledMillis = 0; // Kestro only: its first page loaded
+    double settledMB = 0;
+};
+
+// Starts `program` and waits for its "ready <kB>" line.
+Run launch(const QString& program, const QStringList& arguments, const QProcessEnvironment& environment)
+{
+    QProcess process;
+    process.setProcessEnvironment(environment);
+    process.setProcessChannelMode(QProcess::SeparateChannels);
+    Run run;
+    QElapsedTimer clock;
+    clock.start();
+    process.start(program, arguments);
+    QByteArray out;
+    while (process.waitForReadyRead(60'000)) {
+        out += process.readAllStandardOutput();
+        auto field = [&](const QByteArray& word) {
+            const int at = out.indexOf(word + ' ');
+            const int end = out.indexOf('\n', at);
+            return at < 0 || end < 0 ? 0.0 : out.mid(at + word.size() + 1, end - at - word.size() - 1).toDouble() / 1024.0;
+        };
+        if (run.residentMB == 0 && (run.residentMB = field("ready")) > 0)
+            run.millis = double(clock.nsecsElapsed()) / 1e6;
+        if ((run.settledMB = field("settled")) > 0) {
+            run.settledMillis = double(clock.nsecsElapsed()) / 1e6;
+            break;
+        }
+        if (run.residentMB > 0 && !program.endsWith(QLatin1String("kestro")))
+            break;
+    }
+    process.waitForFinished(10'000);
+    if (run.residentMB == 0) {
+        QTextStream(stderr) << program << " did not report ready: " << process.readAllStandardError().right(2000)
+                            << "\n";
+        std::exit(1);
+    }
+    return run;
+}
+
+double median(std::vector<double> values)
+{
+    std::sort(values.begin(), values.end());
+    return values[values.size() / 2];
+}
+
+} // namespace
+
+int main(int argc, char** argv)
+{
+    QCoreApplication app(argc, argv);
+    const int rounds = argc > 1 ? std::max(1, atoi(argv[1])) : 5;
+
+    QTemporaryDir data;
+    QTcpServer probe;
+    probe.listen(QHostAddress::LocalHost, 0);
+    const quint16 port = probe.serverPort();
+    probe.close();
+    const QUrl origin(QStringLiteral("http://127.0.0.1:%1").arg(port));
+    QProcess service;
+    service.setChildProcessModifier([] { prctl(PR_SET_PDEATHSIG, SIGTERM); });
+    service.start(QStringLiteral(KESTRO_DEVSERVICE),
+                  {QStringLiteral("--port"), QString::number(port), QStringLiteral("--data"), data.path(),
+                   QStringLiteral("--auto-approve")});
+    service.waitForStarted();
+    for (int i = 0; i < 100; ++i) {
+        QTcpSocket socket;
+        socket.connectToHost(QHostAddress::LocalHost, port);
+        if (socket.waitForConnected(100))
+            break;
+        QThread::msleep(100);
+    }
+
+    // Sign in once, as the app would, so every launch finds stored tokens.
+    KeychainStore keychain{QString(Auth::keychainService)};
+    Auth auth(origin, keychain);
+    const Authorization authorization = auth.begin(QString(Auth::redirectUri));
+    QNetworkAccessManager network;
+    QNetworkRequest request(authorization.url);
+    request.setAttribute(QNetworkRequest::RedirectPolicyAttribute, QNetworkRequest::ManualRedirectPolicy);
+    QNetworkReply* reply = network.get(request);
+    while (!reply->isFinished())
+        QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents);
+    const QUrl callback(QString::fromUtf8(reply->rawHeader("Location")));
+    blockingWait(auth.finish(callback, authorization));
+
+    QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+    environment.insert(QStringLiteral("KESTRO_EXIT_WHEN_READY"), QStringLiteral("1"));
+    std::vector<double> appTimes, bareTimes, appMemory, bareMemory, settledTimes, settledMemory;
+    // Interleaved, so both see the same machine load; one warm-up of each.
+    for (int i = 0; i <= rounds; ++i) {
+        const Run bare = launch(QStringLiteral(KESTRO_BARE_WINDOW), {}, environment);
+        const Run kestro = launch(QStringLiteral(KESTRO_APP), {QStringLiteral("--origin"), origin.toString()}, environment);
+        if (i == 0)
+            continue;
+        bareTimes.push_back(bare.millis);
+        bareMemory.push_back(bare.residentMB);
+        appTimes.push_back(kestro.millis);
+        appMemory.push_back(kestro.residentMB);
+        settledTimes.push_back(kestro.settledMillis);
+        settledMemory.push_back(kestro.settledMB);
+    }
+    const double appTime = median(appTimes), bareTime = median(bareTimes);
+    const double appRss = median(appMemory), bareRss = median(bareMemory);
+    QTextStream(stdout) << "Cold start to the signed-in frame, medians of " << rounds << " runs:\n"
+                        << "  Kestro      " << appTime << " ms, " << appRss << " MB resident\n"
+                        << "  bare window " << bareTime << " ms, " << bareRss << " MB resident\n"
+                        << "  start ratio " << appTime / bareTime << "x (goal at most 2x)\n"
+                        << "  memory      +" << appRss - bareRss << " MB (goal at most +60 MB)\n"
+                        << "Kestro's first page (a web page) loaded: " << median(settledTimes) << " ms, "
+                        << median(settledMemory) << " MB resident in the app's own process\n";
+    return 0;
+}
