@@ -93,11 +93,14 @@ private:
 // view's web channel as "kestro".
 class WebBridge : public QObject {
     Q_OBJECT
-    Q_PROPERTY(QUrl pageUrl MEMBER m_pageUrl)
+    Q_PROPERTY(QUrl pageUrl MEMBER m_pageUrl NOTIFY pageUrlChanged)
 public:
     using QObject::QObject;
     static void setViews(WebViews* views);
     Q_INVOKABLE void post(const QString& json);
+
+signals:
+    void pageUrlChanged();
 
 private:
     QUrl m_pageUrl;

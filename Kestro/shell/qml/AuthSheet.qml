@@ -86,7 +86,7 @@ Popup {
                     url: AuthSession.address
                     onNavigationRequested: request => {
                         if (AuthSession.navigated(request.url))
-                            request.action = WebEngineNavigationRequest.IgnoreRequest
+                            request.reject()
                     }
                 }
             }

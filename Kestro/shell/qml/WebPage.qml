@@ -54,7 +54,7 @@ Item {
                 request.navigationType === WebEngineNavigationRequest.LinkClickedNavigation, false)
             if (decision === WebViewsType.Allow)
                 return
-            request.action = WebEngineNavigationRequest.IgnoreRequest
+            request.reject()
             if (decision !== WebViewsType.Cancel)
                 WebViews.follow(request.url)
         }
