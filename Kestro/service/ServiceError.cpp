@@ -29,4 +29,11 @@ QString JsonSyntaxError::description() const
     return QStringLiteral("The service's answer is not JSON (%1).").arg(m_detail);
 }
 
+QString describeError(const std::exception& error)
+{
+    if (const auto* service = dynamic_cast<const ServiceError*>(&error))
+        return service->description();
+    return QStringLiteral("Something went wrong: %1.").arg(QString::fromUtf8(error.what()));
+}
+
 } // namespace Kestro

@@ -18,6 +18,10 @@ private:
     mutable QByteArray m_what;
 };
 
+// Any failure as the sentence a page shows: a service error's own
+// description, anything else with what it says about itself.
+QString describeError(const std::exception& error);
+
 // The network did not deliver an HTTP answer: no connection, a time-out, a
 // dropped connection. The platform's own text travels in detail().
 class TransportError : public ServiceError {

@@ -14,18 +14,6 @@
 
 namespace Kestro {
 
-namespace {
-
-// Any failure as the sentence a page shows.
-QString describe(const std::exception& error)
-{
-    if (const auto* service = dynamic_cast<const ServiceError*>(&error))
-        return service->description();
-    return QStringLiteral("Something went wrong: %1.").arg(QString::fromUtf8(error.what()));
-}
-
-} // namespace
-
 AppModel::AppModel(Client& client, Router& router, Desktop desktop, QObject* parent)
     : AppLink(parent), m_client(client), m_router(router), m_desktop(std::move(desktop))
 {
@@ -66,7 +54,7 @@ QCoro::Task<> AppModel::runStart()
         // the failure page, where "Try again" starts over.
         if (!self)
             co_return;
-        setFrameError(describe(error));
+        setFrameError(describeError(error));
         co_return;
     }
     if (!self)
@@ -97,7 +85,7 @@ QCoro::Task<bool> AppModel::loadFrame()
         }
         failure = error.description();
     } catch (const std::exception& error) {
-        failure = describe(error);
+        failure = describeError(error);
     }
     if (!self || generation != m_frameGeneration)
         co_return false;
@@ -150,7 +138,7 @@ QCoro::Task<> AppModel::runSignIn()
             }
         }
     } catch (const std::exception& error) {
-        failure = describe(error);
+        failure = describeError(error);
     }
     if (!self)
         co_return;
@@ -207,7 +195,7 @@ QCoro::Task<> AppModel::runSwitch(QString id)
         if (outcome.error)
             failure = *outcome.error;
     } catch (const std::exception& error) {
-        failure = describe(error);
+        failure = describeError(error);
     }
     if (!self)
         co_return;

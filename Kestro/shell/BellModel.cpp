@@ -9,18 +9,6 @@
 
 namespace Kestro {
 
-namespace {
-
-QString describe(const std::exception& error)
-{
-    if (const auto* service = dynamic_cast<const ServiceError*>(&error))
-        return service->description();
-    return QString::fromUtf8(error.what());
-}
-
-
-} // namespace
-
 BellModel::BellModel(QObject* parent) : QObject(parent)
 {
     m_poll.setInterval(pollMilliseconds);
@@ -90,7 +78,7 @@ QCoro::Task<> BellModel::runLoad()
     } catch (const std::exception& error) {
         if (!self || generation != m_generation)
             co_return;
-        setError(describe(error));
+        setError(describeError(error));
     }
     setLoading(false);
 }
@@ -131,7 +119,7 @@ QCoro::Task<> BellModel::runRead(QStringList ids)
             setUnread(int(result.unread));
     } catch (const std::exception& error) {
         if (self && generation == m_generation) {
-            setError(describe(error));
+            setError(describeError(error));
             runLoad();
         }
     }
@@ -161,7 +149,7 @@ QCoro::Task<> BellModel::runClear()
         setError({});
     } catch (const std::exception& error) {
         if (self && generation == m_generation)
-            setError(describe(error));
+            setError(describeError(error));
     }
 }
 

@@ -54,10 +54,8 @@ QCoro::Task<> Loaded::run(quint64 generation)
     try {
         value = co_await m_load();
         ok = true;
-    } catch (const ServiceError& error) {
-        failure = error.description();
     } catch (const std::exception& error) {
-        failure = QString::fromUtf8(error.what());
+        failure = describeError(error);
     }
     if (!self || generation != m_generation)
         co_return;

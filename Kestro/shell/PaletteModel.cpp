@@ -84,10 +84,8 @@ QCoro::Task<> PaletteModel::search(QString query, quint64 generation)
         for (const auto& found : result.items)
             remote.append(item(found.kind, found.title, found.subtitle.value_or(QString()), found.href,
                                found.icon.value_or(QStringLiteral("arrow-right"))));
-    } catch (const ServiceError& error) {
-        failure = error.description();
     } catch (const std::exception& error) {
-        failure = QString::fromUtf8(error.what());
+        failure = describeError(error);
     }
     if (!self || generation != m_generation)
         co_return;
