@@ -9,6 +9,7 @@
 #include "PaletteModel.h"
 #include "Router.h"
 #include "ShellState.h"
+#include "Visibility.h"
 #include "SingleInstance.h"
 #include "WebAuthSession.h"
 #include "WebViews.h"
@@ -119,6 +120,14 @@ bool KestroApp::show()
         QTextStream(stderr) << "Kestro could not load its window.\n";
         return false;
     }
+    // Timed page reloads wait while the window is minimised or hidden.
+    QQuickWindow* main = window();
+    auto follow = [main] {
+        Visibility::shared().setVisible(main->isVisible() && main->visibility() != QWindow::Minimized &&
+                                        main->visibility() != QWindow::Hidden);
+    };
+    connect(main, &QWindow::visibilityChanged, this, follow);
+    follow();
     return true;
 }
 
