@@ -3,6 +3,8 @@
 #include "Inline.h"
 #include "MarkdownParser.h"
 
+#include <QUrl>
+
 namespace Kestro {
 
 namespace {
@@ -41,10 +43,38 @@ QString runHtml(const Inline::Run& run, bool images)
     return text;
 }
 
-QVariantList blockList(const std::vector<MarkdownBlock>& blocks, int citations, bool images);
+struct Options {
+    int citations = 0;
+    bool images = false;
+    bool embeds = false;
+};
 
-QVariantMap blockMap(const MarkdownBlock& block, int citations, bool images)
+// The posts on X a paragraph links to, each once, by canonical address.
+QVariantList postsOf(const QString& text)
 {
+    QVariantList posts;
+    QStringList seen;
+    for (const Inline::Run& run : Inline::style(text)) {
+        if (!run.link)
+            continue;
+        const std::optional<QString> post = Inline::postLink(*run.link);
+        if (!post || seen.contains(*post))
+            continue;
+        seen.append(*post);
+        const QStringList parts = QUrl(*post).path().split(QLatin1Char('/'), Qt::SkipEmptyParts);
+        posts.append(QVariantMap{{QStringLiteral("address"), *post},
+                                 {QStringLiteral("user"), parts.value(0)},
+                                 {QStringLiteral("id"), parts.value(2)}});
+    }
+    return posts;
+}
+
+QVariantList blockList(const std::vector<MarkdownBlock>& blocks, const Options& options);
+
+QVariantMap blockMap(const MarkdownBlock& block, const Options& options)
+{
+    const int citations = options.citations;
+    const bool images = options.images;
     static const char* const kinds[] = {"heading", "paragraph", "code", "quote", "list", "table", "rule"};
     QVariantMap map{{QStringLiteral("kind"), QString::fromLatin1(kinds[int(block.kind)])}};
     switch (block.kind) {
@@ -54,19 +84,21 @@ QVariantMap blockMap(const MarkdownBlock& block, int citations, bool images)
         break;
     case MarkdownBlock::Kind::Paragraph:
         map.insert(QStringLiteral("html"), MarkdownDocument::inlineHtml(block.text, citations, images));
+        if (options.embeds)
+            map.insert(QStringLiteral("posts"), postsOf(block.text));
         break;
     case MarkdownBlock::Kind::Code:
         map.insert(QStringLiteral("code"), block.text);
         map.insert(QStringLiteral("lang"), block.lang.value_or(QString()));
         break;
     case MarkdownBlock::Kind::Quote:
-        map.insert(QStringLiteral("blocks"), blockList(block.blocks, citations, images));
+        map.insert(QStringLiteral("blocks"), blockList(block.blocks, options));
         break;
     case MarkdownBlock::Kind::List: {
         QVariantList items;
         for (const MarkdownItem& item : block.items)
             items.append(QVariantMap{{QStringLiteral("task"), item.task ? QVariant(*item.task) : QVariant()},
-                                     {QStringLiteral("blocks"), blockList(item.blocks, citations, images)}});
+                                     {QStringLiteral("blocks"), blockList(item.blocks, options)}});
         map.insert(QStringLiteral("ordered"), block.ordered);
         map.insert(QStringLiteral("start"), block.start);
         map.insert(QStringLiteral("items"), items);
@@ -92,11 +124,11 @@ QVariantMap blockMap(const MarkdownBlock& block, int citations, bool images)
     return map;
 }
 
-QVariantList blockList(const std::vector<MarkdownBlock>& blocks, int citations, bool images)
+QVariantList blockList(const std::vector<MarkdownBlock>& blocks, const Options& options)
 {
     QVariantList out;
     for (const MarkdownBlock& block : blocks)
-        out.append(blockMap(block, citations, images));
+        out.append(blockMap(block, options));
     return out;
 }
 
@@ -147,9 +179,17 @@ void MarkdownDocument::setImages(bool images)
     rebuild();
 }
 
+void MarkdownDocument::setEmbeds(bool embeds)
+{
+    if (embeds == m_embeds)
+        return;
+    m_embeds = embeds;
+    rebuild();
+}
+
 void MarkdownDocument::rebuild()
 {
-    m_blocks = blockList(MarkdownParser::parse(m_text), m_citations, m_images);
+    m_blocks = blockList(MarkdownParser::parse(m_text), Options{m_citations, m_images, m_embeds});
     emit changed();
 }
 

@@ -6,7 +6,7 @@
 namespace Kestro {
 
 // The Markdown view's model: parses `text` into blocks and hands QML a tree
-// of plain maps ({kind, level, html, code, lang, blocks, items, head, rows}).
+// of plain maps ({kind, level, html, posts, code, lang, blocks, items, head, rows}).
 // Inline text arrives as Qt rich text built from the styled runs, so it is
 // selectable and its links report through onLinkActivated.
 class MarkdownDocument : public QObject {
@@ -14,6 +14,9 @@ class MarkdownDocument : public QObject {
     Q_PROPERTY(QString text READ text WRITE setText NOTIFY changed)
     Q_PROPERTY(int citations READ citations WRITE setCitations NOTIFY changed)
     Q_PROPERTY(bool images READ images WRITE setImages NOTIFY changed)
+    // Paragraphs that link to posts on X list them under "posts"
+    // ({address, user, id}), for the embedded cards.
+    Q_PROPERTY(bool embeds READ embeds WRITE setEmbeds NOTIFY changed)
     Q_PROPERTY(QVariantList blocks READ blocks NOTIFY changed)
 
 public:
@@ -25,6 +28,8 @@ public:
     void setCitations(int citations);
     bool images() const { return m_images; }
     void setImages(bool images);
+    bool embeds() const { return m_embeds; }
+    void setEmbeds(bool embeds);
     QVariantList blocks() const { return m_blocks; }
 
     // One block's inline Markdown as rich text (also for other views).
@@ -41,6 +46,7 @@ private:
     QString m_text;
     int m_citations = 0;
     bool m_images = false;
+    bool m_embeds = false;
     QVariantList m_blocks;
 };
 

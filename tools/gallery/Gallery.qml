@@ -24,6 +24,7 @@ Rectangle {
             dark: page.dark
             document: true
             citations: 2
+            embeds: true
             text: page.sample
         }
         DiffView {

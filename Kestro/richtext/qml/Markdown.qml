@@ -11,6 +11,7 @@ Item {
     property bool document: false
     property int citations: 0
     property bool images: false
+    property bool embeds: false
     property real size: 14
     signal anchorClicked(string anchor)
     signal pathClicked(string path)
@@ -24,6 +25,7 @@ Item {
         text: root.text
         citations: root.citations
         images: root.images
+        embeds: root.embeds
     }
     MarkdownStack {
         id: stack

@@ -37,11 +37,26 @@ Loader {
     }
     Component {
         id: paragraph
-        Words {
-            theme: view.theme
-            html: view.block.html
-            size: view.size
-            onLinkClicked: link => view.linkClicked(link)
+        Column {
+            spacing: 8
+            Words {
+                width: view.width
+                theme: view.theme
+                html: view.block.html
+                size: view.size
+                onLinkClicked: link => view.linkClicked(link)
+            }
+            Repeater {
+                model: view.block.posts || []
+                delegate: PostCard {
+                    required property var modelData
+                    theme: view.theme
+                    address: modelData.address
+                    user: modelData.user
+                    postId: modelData.id
+                    onOpened: view.linkClicked(modelData.address)
+                }
+            }
         }
     }
     Component {
