@@ -193,20 +193,33 @@ void KestroApp::raise()
 int KestroApp::main(int argc, char** argv)
 {
     prepare();
-    QGuiApplication application(argc, argv);
-
+    // The command line is read before the application object exists, so
+    // --help and --version work without a display.
+    QStringList arguments;
+    for (int i = 0; i < argc; ++i)
+        arguments.append(QString::fromLocal8Bit(argv[i]));
     QCommandLineParser parser;
     parser.setApplicationDescription(QStringLiteral("Kestro desktop: your workspace and its kest."));
-    parser.addHelpOption();
-    parser.addVersionOption();
+    const QCommandLineOption help = parser.addHelpOption();
+    const QCommandLineOption version = parser.addVersionOption();
     const QCommandLineOption originOption(
         QStringLiteral("origin"),
         QStringLiteral("Use the Kestro service at URL for this run (nothing is written to the settings)."),
         QStringLiteral("URL"));
     parser.addOption(originOption);
     parser.addPositionalArgument(QStringLiteral("url"), QStringLiteral("kestro: addresses to open."), QStringLiteral("[url...]"));
-    parser.process(application);
-
+    if (!parser.parse(arguments)) {
+        QTextStream(stderr) << parser.errorText() << "\n";
+        return 1;
+    }
+    if (parser.isSet(help)) {
+        QTextStream(stdout) << parser.helpText().replace(QStringLiteral("<executable_name>"), QStringLiteral("kestro"));
+        return 0;
+    }
+    if (parser.isSet(version)) {
+        QTextStream(stdout) << "Kestro " << KESTRO_VERSION << "\n";
+        return 0;
+    }
     if (parser.isSet(originOption)) {
         const auto origin = ServiceOrigin::parse(parser.value(originOption));
         if (!origin) {
@@ -216,6 +229,14 @@ int KestroApp::main(int argc, char** argv)
         }
         ServiceOrigin::setOverride(*origin);
     }
+    if (qEnvironmentVariableIsEmpty("DISPLAY") && qEnvironmentVariableIsEmpty("WAYLAND_DISPLAY") &&
+        qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM")) {
+        QTextStream(stderr) << "Kestro needs a graphical desktop, and none was found (DISPLAY and "
+                               "WAYLAND_DISPLAY are not set). Start it from your desktop session.\n";
+        return 1;
+    }
+    QGuiApplication application(argc, argv);
+
     QList<QUrl> urls;
     for (const QString& argument : parser.positionalArguments())
         urls.append(QUrl(argument));
