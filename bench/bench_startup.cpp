@@ -39,7 +39,7 @@ Run launch(const QString& program, const QStringList& arguments, const QProcessE
 {
     QProcess process;
     process.setProcessEnvironment(environment);
-    process.setProcessChannelMode(QProcess::SeparateChannels);
+    process.setProcessChannelMode(QProcess::ForwardedErrorChannel);
     Run run;
     QElapsedTimer clock;
     clock.start();
