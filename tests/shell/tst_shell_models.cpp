@@ -5,12 +5,14 @@
 #include "shell/BellModel.h"
 #include "shell/PageCatalog.h"
 #include "shell/PaletteModel.h"
+#include "shell/SingleInstance.h"
 #include "shell/WebPolicy.h"
 #include "shell/WebScripts.h"
 
 #include "SignedInClient.h"
 
 #include <QJsonArray>
+#include <QSignalSpy>
 #include <QTest>
 
 using namespace Kestro;
@@ -158,6 +160,26 @@ private slots:
                                   QVariantMap{{u"href"_s, QString()}, {u"title"_s, u"nowhere"_s}}};
         QCOMPARE(hrefs(PaletteModel::merge(PaletteModel::localItems(u"task"_s, mates), remote)),
                  (QStringList{u"/tasks"_s, u"/tasks/NW-12"_s}));
+    }
+
+    void aSecondLaunchHandsItsLinksToTheFirst()
+    {
+        const QString name = SingleInstance::nameFor(QUrl(u"http://127.0.0.1:1/%1"_s.arg(QCoreApplication::applicationPid())));
+        QVERIFY(name != SingleInstance::nameFor(QUrl(u"https://kestro.app"_s)));
+        SingleInstance second(name);
+        QVERIFY(!second.handOff({QUrl(u"kestro://tasks"_s)})); // nobody is running yet
+
+        SingleInstance first(name);
+        QVERIFY(first.listen());
+        QSignalSpy received(&first, &SingleInstance::received);
+        QVERIFY(second.handOff({QUrl(u"kestro://settings?tab=billing"_s), QUrl(u"kestro://kest"_s)}));
+        QTRY_COMPARE(received.count(), 2);
+        QCOMPARE(received.at(0).at(0).toUrl(), QUrl(u"kestro://settings?tab=billing"_s));
+        QCOMPARE(received.at(1).at(0).toUrl(), QUrl(u"kestro://kest"_s));
+        // No links: just come to the front.
+        QVERIFY(second.handOff({}));
+        QTRY_COMPARE(received.count(), 3);
+        QVERIFY(received.at(2).at(0).toUrl().isEmpty());
     }
 
     void bellCountsReadsAndClears()
