@@ -12,15 +12,18 @@ int main(int argc, char** argv)
     view.setSource(QUrl(QStringLiteral("data:text/plain,")));
     view.setColor(Qt::white);
     view.resize(1240, 800);
-    QObject::connect(&view, &QQuickWindow::frameSwapped, &app, [] {
-        QFile status(QStringLiteral("/proc/self/status"));
-        status.open(QIODevice::ReadOnly);
-        const QByteArray text = status.readAll();
-        const int at = text.indexOf("VmRSS:");
-        const QByteArray rss = text.mid(at + 6, text.indexOf('\n', at) - at - 6).trimmed();
-        QTextStream(stdout) << "ready " << rss.split(' ').first() << Qt::endl;
-        QCoreApplication::quit();
-    }, Qt::SingleShotConnection);
+    QObject::connect(
+        &view, &QQuickWindow::frameSwapped, &app,
+        [] {
+            QFile status(QStringLiteral("/proc/self/status"));
+            status.open(QIODevice::ReadOnly);
+            const QByteArray text = status.readAll();
+            const int at = text.indexOf("VmRSS:");
+            const QByteArray rss = text.mid(at + 6, text.indexOf('\n', at) - at - 6).trimmed();
+            QTextStream(stdout) << "ready " << rss.split(' ').first() << Qt::endl;
+            QCoreApplication::quit();
+        },
+        Qt::SingleShotConnection);
     view.show();
     return app.exec();
 }

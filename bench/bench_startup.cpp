@@ -50,7 +50,9 @@ Run launch(const QString& program, const QStringList& arguments, const QProcessE
         auto field = [&](const QByteArray& word) {
             const int at = out.indexOf(word + ' ');
             const int end = out.indexOf('\n', at);
-            return at < 0 || end < 0 ? 0.0 : out.mid(at + word.size() + 1, end - at - word.size() - 1).toDouble() / 1024.0;
+            return at < 0 || end < 0
+                       ? 0.0
+                       : out.mid(at + word.size() + 1, end - at - word.size() - 1).toDouble() / 1024.0;
         };
         if (run.residentMB == 0 && (run.residentMB = field("ready")) > 0)
             run.millis = double(clock.nsecsElapsed()) / 1e6;
@@ -63,7 +65,8 @@ Run launch(const QString& program, const QStringList& arguments, const QProcessE
     }
     process.waitForFinished(10'000);
     if (run.residentMB == 0) {
-        QTextStream(stderr) << program << " did not report ready: " << process.readAllStandardError().right(2000)
+        QTextStream(stderr) << program
+                            << " did not report ready: " << process.readAllStandardError().right(2000)
                             << "\n";
         std::exit(1);
     }
@@ -122,7 +125,8 @@ int main(int argc, char** argv)
     // Interleaved, so both see the same machine load; one warm-up of each.
     for (int i = 0; i <= rounds; ++i) {
         const Run bare = launch(QStringLiteral(KESTRO_BARE_WINDOW), {}, environment);
-        const Run kestro = launch(QStringLiteral(KESTRO_APP), {QStringLiteral("--origin"), origin.toString()}, environment);
+        const Run kestro =
+            launch(QStringLiteral(KESTRO_APP), {QStringLiteral("--origin"), origin.toString()}, environment);
         if (i == 0)
             continue;
         bareTimes.push_back(bare.millis);

@@ -29,7 +29,8 @@ AppModel::~AppModel() = default;
 bool AppModel::canWrite() const
 {
     // Viewers, approvers and guests read but do not write.
-    const QString role = m_frame.value(QStringLiteral("workspace")).toMap().value(QStringLiteral("role")).toString();
+    const QString role =
+        m_frame.value(QStringLiteral("workspace")).toMap().value(QStringLiteral("role")).toString();
     return !role.isEmpty() && role != QLatin1String("viewer") && role != QLatin1String("approver") &&
            role != QLatin1String("guest");
 }
@@ -94,11 +95,13 @@ QCoro::Task<bool> AppModel::loadFrame()
         setFrameError(failure);
         co_return false;
     }
-    const QString before = m_frame.value(QStringLiteral("workspace")).toMap().value(QStringLiteral("id")).toString();
+    const QString before =
+        m_frame.value(QStringLiteral("workspace")).toMap().value(QStringLiteral("id")).toString();
     m_frame = frame;
     emit frameChanged();
     setFrameError({});
-    const QString after = m_frame.value(QStringLiteral("workspace")).toMap().value(QStringLiteral("id")).toString();
+    const QString after =
+        m_frame.value(QStringLiteral("workspace")).toMap().value(QStringLiteral("id")).toString();
     if (!before.isEmpty() && before != after)
         m_router.reset(Route::parse(startPath));
     setPhase(Phase::SignedIn);
@@ -179,7 +182,8 @@ void AppModel::switchWorkspace(const QString& id)
     requireMainThread("AppModel::switchWorkspace");
     if (m_phase != Phase::SignedIn || id.isEmpty())
         return;
-    const QString current = m_frame.value(QStringLiteral("workspace")).toMap().value(QStringLiteral("id")).toString();
+    const QString current =
+        m_frame.value(QStringLiteral("workspace")).toMap().value(QStringLiteral("id")).toString();
     if (id == current)
         return;
     runSwitch(id);

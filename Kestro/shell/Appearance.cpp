@@ -57,17 +57,19 @@ const QStringList& Appearance::modes()
 
 const QStringList& Appearance::darkShades()
 {
-    static const QStringList list{QStringLiteral("graphite"), QStringLiteral("charcoal"), QStringLiteral("dimmed"),
-                                  QStringLiteral("stone"),    QStringLiteral("obsidian"), QStringLiteral("onyx"),
-                                  QStringLiteral("ink"),      QStringLiteral("espresso"), QStringLiteral("carbon")};
+    static const QStringList list{
+        QStringLiteral("graphite"), QStringLiteral("charcoal"), QStringLiteral("dimmed"),
+        QStringLiteral("stone"),    QStringLiteral("obsidian"), QStringLiteral("onyx"),
+        QStringLiteral("ink"),      QStringLiteral("espresso"), QStringLiteral("carbon")};
     return list;
 }
 
 const QStringList& Appearance::lightShades()
 {
-    static const QStringList list{QStringLiteral("daylight"), QStringLiteral("eggshell"), QStringLiteral("paper"),
-                                  QStringLiteral("mist"),     QStringLiteral("ash"),      QStringLiteral("sand"),
-                                  QStringLiteral("sage"),     QStringLiteral("lavender"), QStringLiteral("blush")};
+    static const QStringList list{
+        QStringLiteral("daylight"), QStringLiteral("eggshell"), QStringLiteral("paper"),
+        QStringLiteral("mist"),     QStringLiteral("ash"),      QStringLiteral("sand"),
+        QStringLiteral("sage"),     QStringLiteral("lavender"), QStringLiteral("blush")};
     return list;
 }
 
@@ -136,7 +138,8 @@ void Appearance::readPortal()
         return;
     bus.connect(portalService, portalPath, portalInterface, QStringLiteral("SettingChanged"), this,
                 SLOT(portalSettingChanged(QString, QString, QDBusVariant)));
-    QDBusMessage read = QDBusMessage::createMethodCall(portalService, portalPath, portalInterface, QStringLiteral("Read"));
+    QDBusMessage read =
+        QDBusMessage::createMethodCall(portalService, portalPath, portalInterface, QStringLiteral("Read"));
     read << appearanceGroup << colorSchemeKey;
     auto* watcher = new QDBusPendingCallWatcher(bus.asyncCall(read), this);
     connect(watcher, &QDBusPendingCallWatcher::finished, this, [this](QDBusPendingCallWatcher* call) {

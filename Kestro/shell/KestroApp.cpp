@@ -9,8 +9,8 @@
 #include "PaletteModel.h"
 #include "Router.h"
 #include "ShellState.h"
-#include "Visibility.h"
 #include "SingleInstance.h"
+#include "Visibility.h"
 #include "WebAuthSession.h"
 #include "WebViews.h"
 
@@ -88,9 +88,11 @@ KestroApp::KestroApp(QObject* parent) : QObject(parent)
         m_bell->refreshCount();
     });
 
-    qmlRegisterUncreatableType<AppModel>("Kestro.Shell", 1, 0, "AppModel", QStringLiteral("The app has one."));
+    qmlRegisterUncreatableType<AppModel>("Kestro.Shell", 1, 0, "AppModel",
+                                         QStringLiteral("The app has one."));
     qmlRegisterUncreatableType<Router>("Kestro.Shell", 1, 0, "Router", QStringLiteral("The app has one."));
-    qmlRegisterUncreatableType<WebViews>("Kestro.Shell", 1, 0, "WebViewsType", QStringLiteral("The app has one."));
+    qmlRegisterUncreatableType<WebViews>("Kestro.Shell", 1, 0, "WebViewsType",
+                                         QStringLiteral("The app has one."));
     qmlRegisterType<WebBridge>("Kestro.Shell", 1, 0, "WebBridge");
     qmlRegisterSingletonInstance("Kestro.Shell", 1, 0, "App", m_app.get());
     qmlRegisterSingletonInstance("Kestro.Shell", 1, 0, "Shell", m_shell.get());
@@ -168,9 +170,10 @@ void KestroApp::exitWhenReady()
     connect(m_app.get(), &AppModel::phaseChanged, this, [this] {
         if (m_app->phase() != AppModel::Phase::SignedIn || !window())
             return;
-        connect(window(), &QQuickWindow::frameSwapped, this, [] {
-            QTextStream(stdout) << "ready " << residentKilobytes() << Qt::endl;
-        }, Qt::SingleShotConnection);
+        connect(
+            window(), &QQuickWindow::frameSwapped, this,
+            [] { QTextStream(stdout) << "ready " << residentKilobytes() << Qt::endl; },
+            Qt::SingleShotConnection);
         window()->update();
     });
     connect(m_webViews.get(), &WebViews::titleChanged, this, [this] {
@@ -207,13 +210,15 @@ int KestroApp::main(int argc, char** argv)
         QStringLiteral("Use the Kestro service at URL for this run (nothing is written to the settings)."),
         QStringLiteral("URL"));
     parser.addOption(originOption);
-    parser.addPositionalArgument(QStringLiteral("url"), QStringLiteral("kestro: addresses to open."), QStringLiteral("[url...]"));
+    parser.addPositionalArgument(QStringLiteral("url"), QStringLiteral("kestro: addresses to open."),
+                                 QStringLiteral("[url...]"));
     if (!parser.parse(arguments)) {
         QTextStream(stderr) << parser.errorText() << "\n";
         return 1;
     }
     if (parser.isSet(help)) {
-        QTextStream(stdout) << parser.helpText().replace(QStringLiteral("<executable_name>"), QStringLiteral("kestro"));
+        QTextStream(stdout) << parser.helpText().replace(QStringLiteral("<executable_name>"),
+                                                         QStringLiteral("kestro"));
         return 0;
     }
     if (parser.isSet(version)) {

@@ -67,20 +67,33 @@ QString PageCatalog::titleOf(const Route& route)
 const QList<PageCatalog::Place>& PageCatalog::placeList()
 {
     static const QList<Place> list{
-        {QStringLiteral("Home"), QStringLiteral("/activity"), QStringLiteral("house"), QStringLiteral("main")},
-        {QStringLiteral("Needs you"), QStringLiteral("/activity?view=you"), QStringLiteral("hand"), QStringLiteral("main")},
-        {QStringLiteral("Tasks"), QStringLiteral("/tasks"), QStringLiteral("list-checks"), QStringLiteral("main")},
-        {QStringLiteral("Kest chat"), QStringLiteral("/kest"), QStringLiteral("messages-square"), QStringLiteral("main")},
-        {QStringLiteral("Projects"), QStringLiteral("/projects"), QStringLiteral("folder-kanban"), QStringLiteral("work")},
-        {QStringLiteral("Analytics"), QStringLiteral("/analytics"), QStringLiteral("chart-line"), QStringLiteral("work")},
-        {QStringLiteral("Customers"), QStringLiteral("/crm/customers"), QStringLiteral("users"), QStringLiteral("work")},
+        {QStringLiteral("Home"), QStringLiteral("/activity"), QStringLiteral("house"),
+         QStringLiteral("main")},
+        {QStringLiteral("Needs you"), QStringLiteral("/activity?view=you"), QStringLiteral("hand"),
+         QStringLiteral("main")},
+        {QStringLiteral("Tasks"), QStringLiteral("/tasks"), QStringLiteral("list-checks"),
+         QStringLiteral("main")},
+        {QStringLiteral("Kest chat"), QStringLiteral("/kest"), QStringLiteral("messages-square"),
+         QStringLiteral("main")},
+        {QStringLiteral("Projects"), QStringLiteral("/projects"), QStringLiteral("folder-kanban"),
+         QStringLiteral("work")},
+        {QStringLiteral("Analytics"), QStringLiteral("/analytics"), QStringLiteral("chart-line"),
+         QStringLiteral("work")},
+        {QStringLiteral("Customers"), QStringLiteral("/crm/customers"), QStringLiteral("users"),
+         QStringLiteral("work")},
         {QStringLiteral("Email"), QStringLiteral("/email"), QStringLiteral("mail"), QStringLiteral("work")},
-        {QStringLiteral("Support"), QStringLiteral("/support"), QStringLiteral("life-buoy"), QStringLiteral("work")},
-        {QStringLiteral("Incidents"), QStringLiteral("/incidents"), QStringLiteral("triangle-alert"), QStringLiteral("work")},
-        {QStringLiteral("Tests"), QStringLiteral("/tests"), QStringLiteral("flask-conical"), QStringLiteral("work")},
-        {QStringLiteral("Surveys"), QStringLiteral("/surveys"), QStringLiteral("clipboard-list"), QStringLiteral("work")},
-        {QStringLiteral("Sessions"), QStringLiteral("/sessions"), QStringLiteral("play"), QStringLiteral("work")},
-        {QStringLiteral("Settings"), QStringLiteral("/settings"), QStringLiteral("settings"), QStringLiteral("settings")},
+        {QStringLiteral("Support"), QStringLiteral("/support"), QStringLiteral("life-buoy"),
+         QStringLiteral("work")},
+        {QStringLiteral("Incidents"), QStringLiteral("/incidents"), QStringLiteral("triangle-alert"),
+         QStringLiteral("work")},
+        {QStringLiteral("Tests"), QStringLiteral("/tests"), QStringLiteral("flask-conical"),
+         QStringLiteral("work")},
+        {QStringLiteral("Surveys"), QStringLiteral("/surveys"), QStringLiteral("clipboard-list"),
+         QStringLiteral("work")},
+        {QStringLiteral("Sessions"), QStringLiteral("/sessions"), QStringLiteral("play"),
+         QStringLiteral("work")},
+        {QStringLiteral("Settings"), QStringLiteral("/settings"), QStringLiteral("settings"),
+         QStringLiteral("settings")},
     };
     return list;
 }
@@ -88,7 +101,8 @@ const QList<PageCatalog::Place>& PageCatalog::placeList()
 QVariantMap PageCatalog::pageFor(const QString& path) const
 {
     const Route route = Route::parse(path);
-    return {{QStringLiteral("kind"), kindOf(route) == Kind::Web ? QStringLiteral("web") : QStringLiteral("missing")},
+    return {{QStringLiteral("kind"),
+             kindOf(route) == Kind::Web ? QStringLiteral("web") : QStringLiteral("missing")},
             {QStringLiteral("title"), titleOf(route)}};
 }
 

@@ -9,7 +9,8 @@ namespace Kestro {
 // palette is open.
 class ShellState : public QObject {
     Q_OBJECT
-    Q_PROPERTY(bool sidebarCollapsed READ sidebarCollapsed WRITE setSidebarCollapsed NOTIFY sidebarCollapsedChanged)
+    Q_PROPERTY(
+        bool sidebarCollapsed READ sidebarCollapsed WRITE setSidebarCollapsed NOTIFY sidebarCollapsedChanged)
     Q_PROPERTY(bool paletteOpen READ paletteOpen WRITE setPaletteOpen NOTIFY paletteOpenChanged)
 
 public:

@@ -21,7 +21,8 @@ Decision decide(const QUrl& origin, const QUrl& url, bool mainFrame, bool linkCl
     if (url.isEmpty())
         return Decision::Cancel;
     const QString scheme = url.scheme();
-    if (scheme == QLatin1String("about") || scheme == QLatin1String("blob") || scheme == QLatin1String("data"))
+    if (scheme == QLatin1String("about") || scheme == QLatin1String("blob") ||
+        scheme == QLatin1String("data"))
         return Decision::Allow;
     if (sameHost(url, origin)) {
         if (newWindow || !mainFrame || !linkClicked)

@@ -30,12 +30,12 @@ QString theme(bool dark, const QString& mode, const QString& darkShade, const QS
     const QString yes = QStringLiteral("true");
     const QString no = QStringLiteral("false");
     return storage(mode, darkShade, lightShade) +
-           QStringLiteral(";var d=document.documentElement;d.classList.toggle(\"dark\",") + (dark ? yes : no) +
-           QStringLiteral(");d.classList.toggle(\"light\",") + (dark ? no : yes) +
+           QStringLiteral(";var d=document.documentElement;d.classList.toggle(\"dark\",") +
+           (dark ? yes : no) + QStringLiteral(");d.classList.toggle(\"light\",") + (dark ? no : yes) +
            QStringLiteral(");d.dataset.shade=\"") + word(darkShade) +
            QStringLiteral("\";d.dataset.lightShade=\"") + word(lightShade) +
-           QStringLiteral("\";d.style.colorScheme=\"") + (dark ? QStringLiteral("dark") : QStringLiteral("light")) +
-           QStringLiteral("\";");
+           QStringLiteral("\";d.style.colorScheme=\"") +
+           (dark ? QStringLiteral("dark") : QStringLiteral("light")) + QStringLiteral("\";");
 }
 
 QString bridge()
@@ -107,7 +107,7 @@ try {
 QString sessionCookieName(const QUrl& origin)
 {
     return origin.scheme() == QLatin1String("https") ? QStringLiteral("__Host-kestro_app_token")
-                                                      : QStringLiteral("kestro_app_token");
+                                                     : QStringLiteral("kestro_app_token");
 }
 
 QString pageTitle(const QString& title)

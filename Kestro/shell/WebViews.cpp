@@ -1,8 +1,8 @@
 #include "WebViews.h"
 
 #include "AppModel.h"
-#include "CallbackSchemeHandler.h"
 #include "Appearance.h"
+#include "CallbackSchemeHandler.h"
 #include "Router.h"
 #include "WebPolicy.h"
 #include "WebScripts.h"
@@ -59,7 +59,8 @@ QQuickWebEngineProfile* WebViews::profile()
     m_profile = new QQuickWebEngineProfile(this);
     m_profile->setStorageName(QStringLiteral("Kestro"));
     m_profile->setPersistentCookiesPolicy(QQuickWebEngineProfile::AllowPersistentCookies);
-    m_profile->setHttpUserAgent(m_profile->httpUserAgent() + QLatin1Char(' ') + QString::fromLatin1(clientUserAgent()));
+    m_profile->setHttpUserAgent(m_profile->httpUserAgent() + QLatin1Char(' ') +
+                                QString::fromLatin1(clientUserAgent()));
     auto* scheme = new CallbackSchemeHandler(this);
     m_profile->installUrlSchemeHandler(QByteArrayLiteral("kestro"), scheme);
     connect(scheme, &CallbackSchemeHandler::received, this, &WebViews::schemeAddress);

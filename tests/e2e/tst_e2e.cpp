@@ -92,7 +92,8 @@ class TestEndToEnd : public QObject {
         QTest::qWait(400);
         const QDir dir(QStringLiteral(KESTRO_SCREENSHOT_DIR));
         QDir().mkpath(dir.path());
-        const QString file = dir.filePath(u"e2e-%1-%2.png"_s.arg(++m_shot, 2, 10, QLatin1Char('0')).arg(name));
+        const QString file =
+            dir.filePath(u"e2e-%1-%2.png"_s.arg(++m_shot, 2, 10, QLatin1Char('0')).arg(name));
         QVERIFY2(window()->grabWindow().save(file), qPrintable(file));
     }
     QString route() const { return m_app->router().route().text(); }
@@ -108,7 +109,7 @@ private slots:
         // The service goes with the test, even when the test is killed.
         m_service.setChildProcessModifier([] { prctl(PR_SET_PDEATHSIG, SIGTERM); });
         m_service.start(QStringLiteral(KESTRO_DEVSERVICE), {u"--port"_s, QString::number(port), u"--data"_s,
-                                                           m_data.path(), u"--auto-approve"_s});
+                                                            m_data.path(), u"--auto-approve"_s});
         QVERIFY(m_service.waitForStarted());
         QTRY_VERIFY_WITH_TIMEOUT(
             [&] {
@@ -179,8 +180,9 @@ private slots:
             if (QByteArray(child->metaObject()->className()).contains("WebEngineView"))
                 web = child;
         QVERIFY(web);
-        QMetaObject::invokeMethod(web, "runJavaScript",
-                                  Q_ARG(QString, u"document.querySelector('a[href=\"/crm/customers\"]').click()"_s));
+        QMetaObject::invokeMethod(
+            web, "runJavaScript",
+            Q_ARG(QString, u"document.querySelector('a[href=\"/crm/customers\"]').click()"_s));
         QTRY_COMPARE_WITH_TIMEOUT(route(), u"/crm/customers"_s, 10000);
         QTRY_COMPARE_WITH_TIMEOUT(text(u"pageTitle"_s), u"Customers"_s, 20000);
     }

@@ -25,10 +25,13 @@ namespace {
 QJsonObject frameOf(const QString& workspace, const QString& name, const QString& role = u"owner"_s)
 {
     return QJsonObject{
-        {u"user"_s, QJsonObject{{u"id"_s, u"u1"_s}, {u"name"_s, u"Maya"_s}, {u"email"_s, u"maya@example.com"_s}}},
-        {u"workspace"_s, QJsonObject{{u"id"_s, workspace}, {u"name"_s, name}, {u"slug"_s, workspace}, {u"role"_s, role}}},
+        {u"user"_s,
+         QJsonObject{{u"id"_s, u"u1"_s}, {u"name"_s, u"Maya"_s}, {u"email"_s, u"maya@example.com"_s}}},
+        {u"workspace"_s,
+         QJsonObject{{u"id"_s, workspace}, {u"name"_s, name}, {u"slug"_s, workspace}, {u"role"_s, role}}},
         {u"workspaces"_s, QJsonArray{}},
-        {u"counts"_s, QJsonObject{{u"needsYou"_s, 1}, {u"tasks"_s, 2}, {u"inbox"_s, 0}, {u"notifications"_s, 3}}},
+        {u"counts"_s,
+         QJsonObject{{u"needsYou"_s, 1}, {u"tasks"_s, 2}, {u"inbox"_s, 0}, {u"notifications"_s, 3}}},
         {u"kest"_s, QJsonArray{}},
     };
 }
@@ -72,7 +75,8 @@ struct World {
         desktop.clearWebSession = [this] { ++webClears; };
         app = std::make_unique<AppModel>(*client, *router, std::move(desktop));
 
-        service.setActionHandler([this](const QByteArray& module, const QByteArray& action, const QJsonValue& args,
+        service.setActionHandler([this](const QByteArray& module, const QByteArray& action,
+                                        const QJsonValue& args,
                                         const TestHttpServer::Request&) -> TestHttpServer::Response {
             if (module == "shell" && action == "frame") {
                 ++frameCalls;
@@ -80,7 +84,8 @@ struct World {
                     --failFrames;
                     return {500, "down"};
                 }
-                return jsonAnswer(frameOf(workspace, workspace == u"w1"_s ? u"Northwind Studio"_s : u"Lakeside Labs"_s,
+                return jsonAnswer(frameOf(workspace,
+                                          workspace == u"w1"_s ? u"Northwind Studio"_s : u"Lakeside Labs"_s,
                                           workspace == u"w1"_s ? u"owner"_s : u"viewer"_s));
             }
             if (module == "app" && action == "switchWorkspaceAction") {
@@ -172,15 +177,18 @@ private slots:
         // Refused on the consent page: the service's words on the card.
         world.browser = [](const QUrl& authorize) {
             const QString state = QUrlQuery(authorize).queryItemValue(u"state"_s);
-            return std::optional<QUrl>(
-                QUrl(u"kestro://oauth/callback?error=access_denied&error_description=You%20said%20no.&state="_s + state));
+            return std::optional<QUrl>(QUrl(
+                u"kestro://oauth/callback?error=access_denied&error_description=You%20said%20no.&state="_s +
+                state));
         };
         world.app->signIn();
         QTRY_COMPARE(world.app->signInError(), u"You said no."_s);
         QCOMPARE(world.app->phase(), AppModel::Phase::SignedOut);
 
         // Allowed: signed in, the frame shows, the error is gone.
-        world.browser = [&world](const QUrl& authorize) { return std::optional<QUrl>(world.service.approve(authorize)); };
+        world.browser = [&world](const QUrl& authorize) {
+            return std::optional<QUrl>(world.service.approve(authorize));
+        };
         world.app->signIn();
         QVERIFY(world.app->isSigningIn());
         QTRY_COMPARE(world.app->phase(), AppModel::Phase::SignedIn);

@@ -27,7 +27,8 @@ private slots:
     void scriptsCarryTheAppearance()
     {
         QCOMPARE(WebScripts::storage(u"dark"_s, u"ink"_s, u"sand"_s),
-                 u"try{localStorage.setItem(\"theme\",\"dark\");localStorage.setItem(\"kestro:dark-shade\",\"ink\");"
+                 u"try{localStorage.setItem(\"theme\",\"dark\");localStorage.setItem(\"kestro:dark-shade\","
+                 u"\"ink\");"
                  "localStorage.setItem(\"kestro:light-shade\",\"sand\")}catch(e){}"_s);
         QCOMPARE(WebScripts::theme(false, u"system"_s, u"graphite"_s, u"paper"_s),
                  WebScripts::storage(u"system"_s, u"graphite"_s, u"paper"_s) +
@@ -76,11 +77,15 @@ private slots:
         QTest::newRow("own load, main frame") << own + u"/tasks"_s << true << false << false << D::Allow;
         QTest::newRow("own link, subframe") << own + u"/embed"_s << false << true << false << D::Allow;
         QTest::newRow("own new window") << own + u"/tasks"_s << true << true << true << D::Allow;
-        QTest::newRow("other port, same host") << u"http://127.0.0.1:9999/x"_s << true << true << false << D::Route;
+        QTest::newRow("other port, same host")
+            << u"http://127.0.0.1:9999/x"_s << true << true << false << D::Route;
         QTest::newRow("foreign link") << u"https://example.com/"_s << true << true << false << D::Browser;
-        QTest::newRow("foreign redirect") << u"https://example.com/"_s << true << false << false << D::Browser;
-        QTest::newRow("foreign subframe") << u"https://video.example/embed"_s << false << false << false << D::Allow;
-        QTest::newRow("foreign new window") << u"https://example.com/"_s << true << true << true << D::Browser;
+        QTest::newRow("foreign redirect")
+            << u"https://example.com/"_s << true << false << false << D::Browser;
+        QTest::newRow("foreign subframe")
+            << u"https://video.example/embed"_s << false << false << false << D::Allow;
+        QTest::newRow("foreign new window")
+            << u"https://example.com/"_s << true << true << true << D::Browser;
     }
     void navigationPolicy()
     {
@@ -89,8 +94,9 @@ private slots:
         QFETCH(bool, linkClicked);
         QFETCH(bool, newWindow);
         QFETCH(WebPolicy::Decision, decision);
-        QCOMPARE(WebPolicy::decide(QUrl(u"http://127.0.0.1:8787"_s), QUrl(url), mainFrame, linkClicked, newWindow),
-                 decision);
+        QCOMPARE(
+            WebPolicy::decide(QUrl(u"http://127.0.0.1:8787"_s), QUrl(url), mainFrame, linkClicked, newWindow),
+            decision);
     }
 
     void bridgeMessagesAreChecked()
@@ -98,7 +104,9 @@ private slots:
         const QUrl origin(u"http://127.0.0.1:8787"_s);
         const QUrl page(u"http://127.0.0.1:8787/analytics"_s);
         using K = WebPolicy::Message::Kind;
-        auto read = [&](const QString& json, const QUrl& from) { return WebPolicy::readMessage(json, from, origin); };
+        auto read = [&](const QString& json, const QUrl& from) {
+            return WebPolicy::readMessage(json, from, origin);
+        };
 
         auto title = read(u"{\"kind\":\"title\",\"title\":\"Analytics \u00b7 Kestro\"}"_s, page);
         QVERIFY(title);
@@ -129,7 +137,8 @@ private slots:
 
     void routesFindTheirPage()
     {
-        QCOMPARE(PageCatalog::kindOf(Route::parse(u"/analytics/settings?tab=crawlers"_s)), PageCatalog::Kind::Web);
+        QCOMPARE(PageCatalog::kindOf(Route::parse(u"/analytics/settings?tab=crawlers"_s)),
+                 PageCatalog::Kind::Web);
         QCOMPARE(PageCatalog::kindOf(Route::parse(u"/kest/nova/chat"_s)), PageCatalog::Kind::Web);
         QCOMPARE(PageCatalog::kindOf(Route::parse(u"/nowhere"_s)), PageCatalog::Kind::Missing);
         QCOMPARE(PageCatalog::kindOf(Route::parse(u"/docsearch"_s)), PageCatalog::Kind::Missing);
@@ -138,13 +147,15 @@ private slots:
         QCOMPARE(PageCatalog::titleOf(Route::parse(u"/crm/customers"_s)), u"Customers"_s);
         // Every place the sidebar offers has a page.
         for (const auto& place : PageCatalog::placeList())
-            QVERIFY2(PageCatalog::kindOf(Route::parse(place.path)) == PageCatalog::Kind::Web, qPrintable(place.path));
+            QVERIFY2(PageCatalog::kindOf(Route::parse(place.path)) == PageCatalog::Kind::Web,
+                     qPrintable(place.path));
     }
 
     void paletteListsPlacesTeammatesThenTheServicesMatches()
     {
-        const QVariantList mates{QVariantMap{{u"handle"_s, u"nova"_s}, {u"name"_s, u"Nova"_s}, {u"title"_s, u"Team lead"_s}},
-                                 QVariantMap{{u"handle"_s, u"quill"_s}, {u"name"_s, u"Quill"_s}, {u"title"_s, u"Writer"_s}}};
+        const QVariantList mates{
+            QVariantMap{{u"handle"_s, u"nova"_s}, {u"name"_s, u"Nova"_s}, {u"title"_s, u"Team lead"_s}},
+            QVariantMap{{u"handle"_s, u"quill"_s}, {u"name"_s, u"Quill"_s}, {u"title"_s, u"Writer"_s}}};
         auto hrefs = [](const QVariantList& items) {
             QStringList out;
             for (const QVariant& item : items)
@@ -155,16 +166,18 @@ private slots:
         QCOMPARE(hrefs(PaletteModel::localItems(u"writer"_s, mates)), QStringList{u"/kest/quill/chat"_s});
         QCOMPARE(PaletteModel::localItems(QString(), mates).size(), PageCatalog::placeList().size() + 2);
 
-        const QVariantList remote{QVariantMap{{u"href"_s, u"/tasks"_s}, {u"title"_s, u"Tasks"_s}},
-                                  QVariantMap{{u"href"_s, u"/tasks/NW-12"_s}, {u"title"_s, u"Fix the task board"_s}},
-                                  QVariantMap{{u"href"_s, QString()}, {u"title"_s, u"nowhere"_s}}};
+        const QVariantList remote{
+            QVariantMap{{u"href"_s, u"/tasks"_s}, {u"title"_s, u"Tasks"_s}},
+            QVariantMap{{u"href"_s, u"/tasks/NW-12"_s}, {u"title"_s, u"Fix the task board"_s}},
+            QVariantMap{{u"href"_s, QString()}, {u"title"_s, u"nowhere"_s}}};
         QCOMPARE(hrefs(PaletteModel::merge(PaletteModel::localItems(u"task"_s, mates), remote)),
                  (QStringList{u"/tasks"_s, u"/tasks/NW-12"_s}));
     }
 
     void aSecondLaunchHandsItsLinksToTheFirst()
     {
-        const QString name = SingleInstance::nameFor(QUrl(u"http://127.0.0.1:1/%1"_s.arg(QCoreApplication::applicationPid())));
+        const QString name =
+            SingleInstance::nameFor(QUrl(u"http://127.0.0.1:1/%1"_s.arg(QCoreApplication::applicationPid())));
         QVERIFY(name != SingleInstance::nameFor(QUrl(u"https://kestro.app"_s)));
         SingleInstance second(name);
         QVERIFY(!second.handOff({QUrl(u"kestro://tasks"_s)})); // nobody is running yet
@@ -186,15 +199,26 @@ private slots:
     {
         SignedInClient world;
         Client::setShared(world.client.get());
-        QJsonArray items{QJsonObject{{u"id"_s, u"n1"_s}, {u"kind"_s, u"reply"_s}, {u"verb"_s, u"replied"_s},
-                                     {u"title"_s, u"Nova replied"_s}, {u"text"_s, u"Done."_s}, {u"href"_s, u"/kest"_s},
-                                     {u"read"_s, false}, {u"at"_s, u"2026-11-21T10:00:00Z"_s}},
-                         QJsonObject{{u"id"_s, u"n2"_s}, {u"kind"_s, u"task"_s}, {u"verb"_s, u"finished"_s},
-                                     {u"title"_s, u"Atlas finished NW-3"_s}, {u"text"_s, u""_s}, {u"href"_s, u"/tasks/NW-3"_s},
-                                     {u"read"_s, false}, {u"at"_s, u"2026-11-21T09:00:00Z"_s}}};
+        QJsonArray items{QJsonObject{{u"id"_s, u"n1"_s},
+                                     {u"kind"_s, u"reply"_s},
+                                     {u"verb"_s, u"replied"_s},
+                                     {u"title"_s, u"Nova replied"_s},
+                                     {u"text"_s, u"Done."_s},
+                                     {u"href"_s, u"/kest"_s},
+                                     {u"read"_s, false},
+                                     {u"at"_s, u"2026-11-21T10:00:00Z"_s}},
+                         QJsonObject{{u"id"_s, u"n2"_s},
+                                     {u"kind"_s, u"task"_s},
+                                     {u"verb"_s, u"finished"_s},
+                                     {u"title"_s, u"Atlas finished NW-3"_s},
+                                     {u"text"_s, u""_s},
+                                     {u"href"_s, u"/tasks/NW-3"_s},
+                                     {u"read"_s, false},
+                                     {u"at"_s, u"2026-11-21T09:00:00Z"_s}}};
         QStringList readIds;
         int calls = 0;
-        world.service.setActionHandler([&](const QByteArray&, const QByteArray& action, const QJsonValue& args,
+        world.service.setActionHandler([&](const QByteArray&, const QByteArray& action,
+                                           const QJsonValue& args,
                                            const TestHttpServer::Request&) -> TestHttpServer::Response {
             ++calls;
             auto unread = [&] {
