@@ -1,6 +1,7 @@
-// The baseline of bench_startup: a bare Qt Quick window with one rectangle.
+// The baseline of bench_startup: a bare Qt Quick window, white, no content.
 // Prints "ready <resident kB>" after its first frame and quits.
-#include <QFile>
+#include "shell/ResidentMemory.h"
+
 #include <QGuiApplication>
 #include <QQuickView>
 #include <QTextStream>
@@ -9,18 +10,12 @@ int main(int argc, char** argv)
 {
     QGuiApplication app(argc, argv);
     QQuickView view;
-    view.setSource(QUrl(QStringLiteral("data:text/plain,")));
     view.setColor(Qt::white);
     view.resize(1240, 800);
     QObject::connect(
         &view, &QQuickWindow::frameSwapped, &app,
         [] {
-            QFile status(QStringLiteral("/proc/self/status"));
-            status.open(QIODevice::ReadOnly);
-            const QByteArray text = status.readAll();
-            const int at = text.indexOf("VmRSS:");
-            const QByteArray rss = text.mid(at + 6, text.indexOf('\n', at) - at - 6).trimmed();
-            QTextStream(stdout) << "ready " << rss.split(' ').first() << Qt::endl;
+            QTextStream(stdout) << "ready " << Kestro::residentKilobytes() << Qt::endl;
             QCoreApplication::quit();
         },
         Qt::SingleShotConnection);

@@ -7,6 +7,7 @@
 #include "IconProvider.h"
 #include "PageCatalog.h"
 #include "PaletteModel.h"
+#include "ResidentMemory.h"
 #include "Router.h"
 #include "ShellState.h"
 #include "SingleInstance.h"
@@ -22,7 +23,6 @@
 
 #include <QCommandLineParser>
 #include <QDesktopServices>
-#include <QFile>
 #include <QGuiApplication>
 #include <QQmlApplicationEngine>
 #include <QQuickStyle>
@@ -145,23 +145,6 @@ void KestroApp::openUrl(const QUrl& url)
         m_app->openUrl(url);
     raise();
 }
-
-namespace {
-
-// This process's resident memory in kB, from /proc.
-QByteArray residentKilobytes()
-{
-    QFile status(QStringLiteral("/proc/self/status"));
-    if (!status.open(QIODevice::ReadOnly))
-        return "0";
-    const QByteArray text = status.readAll();
-    const int at = text.indexOf("VmRSS:");
-    if (at < 0)
-        return "0";
-    return text.mid(at + 6, text.indexOf('\n', at) - at - 6).trimmed().split(' ').first();
-}
-
-} // namespace
 
 void KestroApp::exitWhenReady()
 {

@@ -3,6 +3,8 @@
 // service answers in the shapes of schema/), the teammates' simulation, a
 // restart, bad input, and concurrent writes.
 
+#include "DevServiceProcess.h"
+
 #include "calls/Calls.h"
 #include "service/Auth.h"
 #include "service/AuthError.h"
@@ -13,8 +15,6 @@
 #include <QJsonDocument>
 #include <QNetworkAccessManager>
 #include <QNetworkReply>
-#include <QProcess>
-#include <QTcpServer>
 #include <QTemporaryDir>
 #include <QTest>
 #include <QUrlQuery>
@@ -52,30 +52,18 @@ Reply await(QNetworkReply* reply)
 // One running kestro-devservice with its own data folder and port.
 class DevService {
 public:
-    explicit DevService(QStringList extra = {}, const QString& dataDir = {}) { start(extra, dataDir); }
+    explicit DevService(QStringList extra = {}, const QString& dataDir = {})
+    {
+        process.start(extra, dataDir);
+    }
     ~DevService() { stop(); }
 
-    void start(const QStringList& extra, const QString& dataDir = {})
-    {
-        QTcpServer probe;
-        probe.listen(QHostAddress::LocalHost, 0);
-        port = probe.serverPort();
-        probe.close();
-        folder = dataDir.isEmpty() ? own.path() : dataDir;
-        process.start(QStringLiteral(DEVSERVICE_PATH),
-                      QStringList{u"--port"_s, QString::number(port), u"--data"_s, folder} + extra);
-        if (!process.waitForReadyRead(10'000))
-            qFatal("kestro-devservice did not start: %s", process.readAllStandardError().constData());
-    }
     void stop()
     {
-        if (process.state() == QProcess::NotRunning)
-            return;
         network().clearConnectionCache(); // idle keep-alive connections would hold the server's workers
-        process.terminate();
-        process.waitForFinished(5000);
+        process.stop();
     }
-    QUrl origin() const { return QUrl(u"http://127.0.0.1:%1"_s.arg(port)); }
+    QUrl origin() const { return process.origin(); }
     QUrl url(const QString& path) const { return origin().resolved(QUrl(path)); }
 
     Reply get(const QString& path, const QByteArray& cookie = {})
@@ -110,10 +98,7 @@ public:
                     "application/x-www-form-urlencoded");
     }
 
-    quint16 port = 0;
-    QString folder;
-    QTemporaryDir own;
-    QProcess process;
+    KestroTest::DevServiceProcess process{QStringLiteral(DEVSERVICE_PATH)};
 };
 
 // A signed-in client of one service, made the process's own client.

@@ -4,6 +4,8 @@
 // signing out. Each state is saved as a PNG in the build tree to look at;
 // nothing is compared pixel by pixel. Any QML warning fails the test.
 
+#include "DevServiceProcess.h"
+
 #include "shell/AppModel.h"
 #include "shell/Appearance.h"
 #include "shell/KestroApp.h"
@@ -17,17 +19,10 @@
 
 #include <QDir>
 #include <QGuiApplication>
-#include <QProcess>
 #include <QQuickItem>
 #include <QQuickWindow>
 #include <QStandardPaths>
-#include <QTcpServer>
-#include <QTcpSocket>
-#include <QTemporaryDir>
 #include <QTest>
-
-#include <csignal>
-#include <sys/prctl.h>
 
 using namespace Kestro;
 using namespace Qt::Literals::StringLiterals;
@@ -44,21 +39,12 @@ void watchWarnings(QtMsgType type, const QMessageLogContext& context, const QStr
     previousHandler(type, context, message);
 }
 
-quint16 freePort()
-{
-    QTcpServer probe;
-    probe.listen(QHostAddress::LocalHost, 0);
-    return probe.serverPort();
-}
-
 } // namespace
 
 class TestEndToEnd : public QObject {
     Q_OBJECT
 
-    QTemporaryDir m_data;
-    QProcess m_service;
-    QUrl m_origin;
+    KestroTest::DevServiceProcess m_service{QStringLiteral(KESTRO_DEVSERVICE)};
     std::unique_ptr<KestroApp> m_app;
     int m_shot = 0;
 
@@ -102,23 +88,8 @@ private slots:
     void initTestCase()
     {
         previousHandler = qInstallMessageHandler(watchWarnings);
-        QVERIFY(m_data.isValid());
-        const quint16 port = freePort();
-        m_origin = QUrl(u"http://127.0.0.1:%1"_s.arg(port));
-        m_service.setProcessChannelMode(QProcess::ForwardedErrorChannel);
-        // The service goes with the test, even when the test is killed.
-        m_service.setChildProcessModifier([] { prctl(PR_SET_PDEATHSIG, SIGTERM); });
-        m_service.start(QStringLiteral(KESTRO_DEVSERVICE), {u"--port"_s, QString::number(port), u"--data"_s,
-                                                            m_data.path(), u"--auto-approve"_s});
-        QVERIFY(m_service.waitForStarted());
-        QTRY_VERIFY_WITH_TIMEOUT(
-            [&] {
-                QTcpSocket socket;
-                socket.connectToHost(QHostAddress::LocalHost, port);
-                return socket.waitForConnected(200);
-            }(),
-            10000);
-        ServiceOrigin::setOverride(m_origin);
+        m_service.start({u"--auto-approve"_s});
+        ServiceOrigin::setOverride(m_service.origin());
         m_app = std::make_unique<KestroApp>();
         QVERIFY(m_app->show());
         QVERIFY(QTest::qWaitForWindowExposed(window()));
@@ -129,8 +100,7 @@ private slots:
     void cleanupTestCase()
     {
         m_app.reset();
-        m_service.terminate();
-        m_service.waitForFinished(5000);
+        m_service.stop();
         qInstallMessageHandler(previousHandler);
     }
 
