@@ -32,6 +32,8 @@ public:
     bool isActive() const { return m_active; }
     void setActive(bool active);
 
+    // The unread count as another answer brought it (the frame's counts).
+    void setUnread(int unread);
     Q_INVOKABLE void refreshCount();
     Q_INVOKABLE void load();
     Q_INVOKABLE void markRead(const QString& id);
@@ -50,7 +52,6 @@ private:
     QCoro::Task<> runLoad();
     QCoro::Task<> runRead(QStringList ids);
     QCoro::Task<> runClear();
-    void setUnread(int unread);
     void setError(const QString& error);
     void setLoading(bool on);
 

@@ -67,7 +67,6 @@ KestroApp::KestroApp(QObject* parent) : QObject(parent)
     WebAuthSession* session = m_authSession.get();
     desktop.authenticate = [session](QUrl authorize) { return session->authenticate(std::move(authorize)); };
     desktop.clearWebSession = [this] { m_webViews->clearSession(); };
-    desktop.clearBadge = [this] { m_bell->setActive(false); };
     m_app = std::make_unique<AppModel>(client, *m_router, std::move(desktop));
     m_webViews = std::make_unique<WebViews>(client.origin(), client.auth(), *m_app, *m_appearance);
 
@@ -80,12 +79,16 @@ KestroApp::KestroApp(QObject* parent) : QObject(parent)
         else
             m_app->openUrl(url);
     });
-    // The bell polls while the signed-in frame shows.
+    // The bell polls while the signed-in frame shows (and is emptied when
+    // it goes); every frame brings the unread count along.
     connect(m_app.get(), &AppModel::phaseChanged, this,
             [this] { m_bell->setActive(m_app->phase() == AppModel::Phase::SignedIn); });
     connect(m_app.get(), &AppModel::frameChanged, this, [this] {
-        m_palette->setTeammates(m_app->frame().value(QStringLiteral("kest")).toList());
-        m_bell->refreshCount();
+        const QVariantMap frame = m_app->frame();
+        m_palette->setTeammates(frame.value(QStringLiteral("kest")).toList());
+        if (m_bell->isActive())
+            m_bell->setUnread(
+                frame.value(QStringLiteral("counts")).toMap().value(QStringLiteral("notifications")).toInt());
     });
 
     qmlRegisterUncreatableType<AppModel>("Kestro.Shell", 1, 0, "AppModel",
@@ -119,7 +122,8 @@ bool KestroApp::show()
 {
     m_engine->load(QUrl(QStringLiteral("qrc:/Kestro/shell/Main.qml")));
     if (m_engine->rootObjects().isEmpty()) {
-        QTextStream(stderr) << "Kestro could not load its window.\n";
+        QTextStream(stderr) << "Kestro could not load its window (the messages above say why). "
+                               "Reinstall Kestro, or report these messages.\n";
         return false;
     }
     // Timed page reloads wait while the window is minimised or hidden.
@@ -212,7 +216,8 @@ int KestroApp::main(int argc, char** argv)
         const auto origin = ServiceOrigin::parse(parser.value(originOption));
         if (!origin) {
             QTextStream(stderr) << "The address given with --origin, \"" << parser.value(originOption)
-                                << "\", is not an http or https address.\n";
+                                << "\", is not an http or https address. Give a full address, such as "
+                                   "--origin http://127.0.0.1:8787.\n";
             return 1;
         }
         ServiceOrigin::setOverride(*origin);

@@ -7,14 +7,10 @@
 
 namespace Kestro::WebPolicy {
 
-namespace {
-
 bool sameHost(const QUrl& a, const QUrl& b)
 {
     return a.host(QUrl::FullyEncoded) == b.host(QUrl::FullyEncoded);
 }
-
-} // namespace
 
 Decision decide(const QUrl& origin, const QUrl& url, bool mainFrame, bool linkClicked, bool newWindow)
 {

@@ -7,6 +7,10 @@
 
 namespace Kestro::WebPolicy {
 
+// The same host, compared exactly in its encoded form (two absent hosts
+// are the same).
+bool sameHost(const QUrl& a, const QUrl& b);
+
 // What to do with a navigation an embedded page starts.
 enum class Decision { Allow, Cancel, Route, Browser };
 

@@ -106,11 +106,6 @@ void WebViews::attach(QQuickItem* view)
         m_live.append(view);
 }
 
-bool WebViews::sameHost(const QUrl& url) const
-{
-    return url.host(QUrl::FullyEncoded) == m_origin.host(QUrl::FullyEncoded);
-}
-
 int WebViews::decide(const QUrl& url, bool mainFrame, bool linkClicked, bool newWindow) const
 {
     return int(WebPolicy::decide(m_origin, url, mainFrame, linkClicked, newWindow));
@@ -118,21 +113,16 @@ int WebViews::decide(const QUrl& url, bool mainFrame, bool linkClicked, bool new
 
 void WebViews::follow(const QUrl& url)
 {
-    if (sameHost(url)) {
-        QString path = url.path(QUrl::FullyEncoded);
-        if (path.isEmpty())
-            path = QStringLiteral("/");
-        if (url.hasQuery())
-            path += QLatin1Char('?') + url.query(QUrl::FullyEncoded);
-        m_app.router()->open(path);
-        return;
-    }
-    QDesktopServices::openUrl(url);
+    // The router knows the service's own addresses from the rest.
+    if (url.scheme() == QLatin1String("http") || url.scheme() == QLatin1String("https"))
+        m_app.router()->open(url.toString(QUrl::FullyEncoded));
+    else
+        QDesktopServices::openUrl(url);
 }
 
 bool WebViews::landed(const QUrl& url, bool alreadyRetried)
 {
-    if (!sameHost(url) || !WebPolicy::isSignInLanding(url))
+    if (!WebPolicy::sameHost(url, m_origin) || !WebPolicy::isSignInLanding(url))
         return false;
     if (!alreadyRetried) {
         writeSessionCookie();

@@ -75,8 +75,6 @@ signals:
     void themePushed(const QString& script);
 
 private:
-    bool sameHost(const QUrl& url) const;
-
     QUrl m_origin;
     Auth& m_auth;
     AppModel& m_app;

@@ -11,7 +11,7 @@ Rectangle {
     objectName: "frame"
     color: theme.page
 
-    readonly property string title: WebViews.title.length > 0 && pages.page.kind === "web" ? WebViews.title : pages.page.title
+    readonly property string title: WebViews.title.length > 0 && pages.showsWebPage ? WebViews.title : pages.page.title
 
     RowLayout {
         anchors.fill: parent

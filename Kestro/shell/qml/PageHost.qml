@@ -10,6 +10,8 @@ Item {
     readonly property string path: App.router.route.text
     readonly property var page: Pages.pageFor(path)
     readonly property bool loading: web.item ? web.item.loading : false
+    // A failed load shows our own view, so the title is not the page's.
+    readonly property bool showsWebPage: !!web.item && !web.item.failure && !web.item.missing
 
     Loader {
         id: web

@@ -78,8 +78,8 @@ Item {
                     page.missing = true
                 else
                     page.failure = info.errorString.length > 0
-                        ? "The page could not be reached (" + info.errorString + ")."
-                        : "The page could not be reached."
+                        ? "The page could not be reached (" + info.errorString + "). Check your connection, then try again."
+                        : "The page could not be reached. Check your connection, then try again."
             }
         }
         onRenderProcessTerminated: (status, code) => {
