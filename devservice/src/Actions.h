@@ -35,6 +35,7 @@ void addKestActions(ActionTable& table);
 void addTaskActions(ActionTable& table);
 void addAnalyticsActions(ActionTable& table);
 void addDirectChatActions(ActionTable& table);
+void addActivityActions(ActionTable& table);
 
 // Arguments by position. A missing argument, null and {"$undefined": true}
 // all mean "not given"; a given argument of the wrong type is a 400.

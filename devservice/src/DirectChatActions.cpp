@@ -64,9 +64,14 @@ json chatPage(ActionContext& ctx, const std::string& handle, const std::optional
         if (open && thread["id"] == *open)
             opened = thread;
     }
+    // Needs you sends the user here to look at the teammate's drafts.
+    json drafts = json::array();
+    for (const json& draft : s.store.list("draft", ctx.caller.workspace))
+        if (draft["agent"] == handle && draft.value("status", "") == "waiting")
+            drafts.push_back(draft);
     json page = {{"agent", agentView(mate)},   {"me", ctx.caller.user},
                  {"threads", threads},         {"total", threads.size()},
-                 {"approvals", json::array()}, {"drafts", json::array()},
+                 {"approvals", json::array()}, {"drafts", drafts},
                  {"traces", traces},           {"canManage", ctx.caller.canWrite()},
                  {"canWatch", true},           {"voice", false},
                  {"attach", json::array()}};

@@ -16,6 +16,11 @@ inline std::string isoNow()
 {
     return iso(now());
 }
+// The UTC date of now, "2026-11-21": the day Home shows.
+inline std::string today()
+{
+    return isoNow().substr(0, 10);
+}
 
 // The wire's tagged forms, so clients meet them in real answers.
 inline json dateTag(const std::string& text)

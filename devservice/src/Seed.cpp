@@ -1,4 +1,8 @@
 #include "Service.h"
+#include "Teammates.h"
+
+#include <algorithm>
+#include <cmath>
 
 namespace devservice {
 
@@ -19,6 +23,11 @@ void seed(Service& service)
 {
     Store& store = service.store;
     const double t0 = now();
+    // The demo's day: `hours` before now, squeezed into the part of the UTC
+    // day that has passed, so Home shows today's work even just after midnight.
+    const double dayStart = std::floor(t0 / 86400) * 86400;
+    const double squeeze = std::min(1.0, (t0 - dayStart) / (6.5 * 3600));
+    const auto earlier = [&](double hours) { return t0 - hours * 3600 * squeeze; };
     store.transaction([&] {
         store.put("user", "u1", "",
                   {{"id", "u1"},
@@ -91,16 +100,18 @@ void seed(Service& service)
             {"Tidy the onboarding checklist", "needs_you", "operations", nova,
              "Nova has a question about step 4."},
         };
+        std::vector<json> tasks;
         for (const Seeded& s : seeded) {
             json task = service.newTask("w1", s.title, s.status, s.area, "u1", t0 - 86400 * 3);
             if (!s.assignee.is_null())
                 task["assignee"] = s.assignee;
             task["description"] = s.description;
             task["project"] = {{"id", "p1"}, {"name", "Spring launch"}};
-            if (std::string(s.status) == "done")
-                task["closedAt"] = iso(t0 - 3600);
-            store.put("task", task["id"].get<std::string>(), "w1", task);
+            tasks.push_back(task);
         }
+        json& email = tasks[0];
+        json& tools = tasks[1];
+        json& checklist = tasks[5];
         json other = service.newTask("w2", "Order lab supplies", "todo", "operations", "u2", t0 - 7200);
         other["assignee"] = nova;
         store.put("task", other["id"].get<std::string>(), "w2", other);
@@ -123,7 +134,159 @@ void seed(Service& service)
              {"approvalIds", json::array()},
              {"reactions", json::array()},
              {"cites", json::array()},
-             {"at", iso(t0 - 5400)}});
+             {"at", iso(earlier(6))}});
+
+        // The work of the day so far: runs that ended, the moves on the
+        // board they made, a question in the room and its answer.
+        const auto agent = [](const char* handle, const char* name) {
+            return json{{"type", "agent"}, {"id", handle}, {"name", name}, {"handle", handle}};
+        };
+        const auto moved = [&](json& task, const json& by, const char* from, const char* to, double at,
+                               const std::string& runId) {
+            json entry = {{"id", newId("a")},
+                          {"kind", by.value("type", "") == "agent" ? "status" : "change"},
+                          {"by", by},
+                          {"change", {{"field", "status"}, {"from", from}, {"to", to}}},
+                          {"at", iso(at)}};
+            if (!runId.empty())
+                entry["runId"] = runId;
+            task["activity"].push_back(entry);
+            task["updatedAt"] = iso(at);
+            task["version"] = task["version"].get<int>() + 1;
+        };
+        addPastRun(service,
+                   {.workspace = "w1",
+                    .agent = "ledger",
+                    .topic = "Reconcile the March invoices",
+                    .startedAt = earlier(5.8),
+                    .endedAt = earlier(5.5),
+                    .summary = "Matched 42 of 43 invoices; the one from Fastly still needs a receipt."});
+        const std::string compared = addPastRun(
+            service, {.workspace = "w1",
+                      .agent = "atlas",
+                      .topic = tools["title"],
+                      .startedAt = earlier(4.9),
+                      .endedAt = earlier(4.5),
+                      .summary = "Plausible, Fathom and Matomo side by side: Plausible fits best on "
+                                 "price and privacy, Matomo if we want to host it ourselves.",
+                      .taskId = tools["id"]});
+        moved(tools, agent("atlas", "Atlas"), "in_progress", "in_review", earlier(4.5), compared);
+
+        const std::string question = newId("m");
+        store.put("message", question, "w1",
+                  {{"id", question},
+                   {"from", "person"},
+                   {"by", {{"id", "u1"}, {"type", "person"}, {"name", "Maya Lindqvist"}}},
+                   {"text", "@atlas what do people say about our new pricing?"},
+                   {"to", {"atlas"}},
+                   {"reads", {"u1"}},
+                   {"failed", false},
+                   {"approvalIds", json::array()},
+                   {"reactions", json::array()},
+                   {"cites", json::array()},
+                   {"at", iso(earlier(3.2))}});
+        const std::string pricing = addPastRun(service, {.workspace = "w1",
+                                                         .agent = "atlas",
+                                                         .topic = "What do people say about our new pricing?",
+                                                         .startedAt = earlier(3.2),
+                                                         .endedAt = earlier(3.0),
+                                                         .summary = "Mostly good news, with one worry.",
+                                                         .threadId = question});
+        const std::string answer = newId("m");
+        store.put("message", answer, "w1",
+                  {{"id", answer},
+                   {"threadId", question},
+                   {"from", "agent"},
+                   {"by", {{"id", "atlas"}, {"type", "agent"}, {"name", "Atlas"}, {"run", pricing}}},
+                   {"agent", "atlas"},
+                   {"avatar", "/api/avatars/atlas"},
+                   {"text", "Mostly good news, with one worry.\n\n"
+                            "- Three posts call the new **Team** plan fair for what it includes [1].\n"
+                            "- Two people on Hacker News miss the old free tier.\n"
+                            "- Nobody has noticed the yearly discount yet.\n\n"
+                            "I would answer the free-tier thread first. Shall Quill draft a reply?"},
+                   {"to", json::array()},
+                   {"reads", json::array()},
+                   {"runId", pricing},
+                   {"failed", false},
+                   {"approvalIds", json::array()},
+                   {"reactions", json::array()},
+                   {"cites", json::array()},
+                   {"at", iso(earlier(3.0))}});
+
+        addPastRun(service,
+                   {.workspace = "w1",
+                    .agent = "forge",
+                    .topic = "Deploy the pricing page preview",
+                    .startedAt = earlier(2.7),
+                    .endedAt = earlier(2.5),
+                    .failed = true,
+                    .summary = "The staging server refused the deploy key, so nothing was published."});
+        const std::string drafted = addPastRun(
+            service, {.workspace = "w1",
+                      .agent = "quill",
+                      .topic = email["title"],
+                      .startedAt = earlier(2.4),
+                      .endedAt = earlier(2.0),
+                      .summary = "A 140-word e-mail in our voice, with two subject lines to pick from.",
+                      .taskId = email["id"]});
+        moved(email, agent("quill", "Quill"), "in_progress", "in_review", earlier(2.0), drafted);
+
+        moved(checklist, agent("nova", "Nova"), "in_progress", "needs_you", earlier(1.5), "");
+        checklist["waiting"] = 1;
+        checklist["asks"].push_back(
+            {{"id", newId("ask")},
+             {"taskId", checklist["id"]},
+             {"agent", "nova"},
+             {"kind", "question"},
+             {"question", "Step 4 asks new people to invite a teammate before they have a project. "
+                          "Should it move after step 6, or go?"},
+             {"options", {"Move it after step 6", "Take it out"}},
+             {"status", "open"},
+             {"createdAt", iso(earlier(1.5))}});
+
+        addPastRun(service,
+                   {.workspace = "w1",
+                    .agent = "pixel",
+                    .topic = "Hero images for the spring page",
+                    .startedAt = earlier(1.6),
+                    .endedAt = earlier(1.2),
+                    .summary = "Three hero images in the brand colours; the second reads best on a phone."});
+        moved(tools, service.person("u1"), "in_review", "done", earlier(1.0), "");
+        tools["closedAt"] = iso(earlier(1.0));
+        for (const json& task : tasks)
+            store.put("task", task["id"].get<std::string>(), "w1", task);
+
+        // Drafts that wait for a look, in their teammate's chat.
+        const auto draft = [&](const char* workspace, const char* handle, const char* title, const char* text,
+                               double at) {
+            const std::string id = newId("dr");
+            store.put("draft", id, workspace,
+                      {{"id", id},
+                       {"agent", handle},
+                       {"title", title},
+                       {"text", text},
+                       {"status", "waiting"},
+                       {"at", iso(at)}});
+        };
+        draft("w1", "quill", "Launch e-mail to the beta list",
+              "Subject: You helped shape it, now see it first. A short thank-you with the launch date and a "
+              "link to the changelog.",
+              earlier(0.8));
+        draft("w1", "ledger", "Reply to Fastly about the missing receipt",
+              "Two polite sentences asking their billing team for the March receipt.", earlier(0.5));
+
+        // Lakeside Labs has a day of its own.
+        addPastRun(service,
+                   {.workspace = "w2",
+                    .agent = "ledger",
+                    .topic = "Compare prices for lab supplies",
+                    .startedAt = earlier(3.0),
+                    .endedAt = earlier(2.6),
+                    .summary = "Two suppliers cut prices on pipette tips; switching saves about 8% a month.",
+                    .author = "u2"});
+        draft("w2", "quill", "Welcome note for new lab members",
+              "Where things are, who to ask, and the one rule about the cold room.", earlier(1.0));
 
         // Sites for analytics.
         store.put("site", "s1", "w1",

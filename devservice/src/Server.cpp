@@ -84,6 +84,7 @@ std::unique_ptr<httplib::Server> makeServer(Service& service)
     addTaskActions(table);
     addAnalyticsActions(table);
     addDirectChatActions(table);
+    addActivityActions(table);
 
     installOAuth(*server, service);
     server->Post(R"(/api/app/([A-Za-z0-9_]+)/([A-Za-z0-9_]+))",

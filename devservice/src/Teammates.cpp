@@ -89,6 +89,18 @@ double stepSeconds(Service& service, const json& step)
     return step["seconds"].get<double>() / service.options.timeScale;
 }
 
+// Ended runs are indexed by the day they ended, so Home reads today's without
+// walking every run ever made; entries of earlier days go as the next run ends.
+void noteEnded(Service& service, const json& run)
+{
+    const std::string workspace = run["workspace"];
+    const std::string day = run["endedAt"].get<std::string>().substr(0, 10);
+    for (const json& entry : service.store.list("endedrun", workspace))
+        if (entry["day"] != day)
+            service.store.remove("endedrun", entry["id"]);
+    service.store.put("endedrun", run["id"], workspace, {{"id", run["id"]}, {"day", day}});
+}
+
 void finish(Service& service, json& run)
 {
     const std::string workspace = run["workspace"], agent = run["agent"];
@@ -96,6 +108,7 @@ void finish(Service& service, json& run)
     run["status"] = "done";
     run["endedAt"] = isoNow();
     run["doing"] = nullptr;
+    noteEnded(service, run);
     const json mate = service.teammate(workspace, agent);
     const json by = {
         {"type", "agent"}, {"id", agent}, {"name", mate.value("name", agent)}, {"handle", agent}};
@@ -173,6 +186,7 @@ void advanceRun(Service& service, json run)
         json& step = plan[at];
         if (step.value("waits", false) && step.value("state", "") != "waiting") {
             step["state"] = "waiting";
+            step["since"] = isoNow(); // Needs you lists the oldest wait first
             run["nextAt"] = t + stepSeconds(service, step);
             service.store.put("run", run["id"], run["workspace"], run);
             return;
@@ -288,6 +302,52 @@ std::vector<std::string> recipients(Service& service, const std::string& workspa
     if (has({"research", "compare", "find", "look up", "competitor"}))
         return {"atlas"};
     return {"nova"};
+}
+
+std::vector<json> runsEndedToday(Service& service, const std::string& workspace)
+{
+    const std::string day = today();
+    std::vector<json> runs;
+    for (const json& entry : service.store.list("endedrun", workspace))
+        if (entry["day"] == day)
+            if (auto run = service.store.get("run", entry["id"]))
+                runs.push_back(std::move(*run));
+    return runs;
+}
+
+std::string addPastRun(Service& service, const PastRun& past)
+{
+    const std::string id = newId("run");
+    const std::string topic = topicOf(past.topic);
+    json plan = planFor(past.agent, topic, stableHash(id));
+    for (json& step : plan) {
+        step["state"] = step.value("fails", false) ? "failed" : "done";
+        if (step["state"] == "failed")
+            step["result"] = "The page did not load.";
+    }
+    if (past.failed) {
+        plan.back()["state"] = "failed";
+        plan.back()["result"] = past.summary;
+    }
+    json run = {{"id", id},
+                {"workspace", past.workspace},
+                {"agent", past.agent},
+                {"status", past.failed ? "failed" : "done"},
+                {"startedAt", iso(past.startedAt)},
+                {"endedAt", iso(past.endedAt)},
+                {"threadId", past.threadId},
+                {"taskId", past.taskId},
+                {"author", past.author},
+                {"topic", topic},
+                {"plan", plan},
+                {"step", plan.size()},
+                {"nextAt", past.endedAt},
+                {"reply", past.failed ? std::string() : "## " + topic + "\n\n" + past.summary},
+                {"summary", past.summary},
+                {"doing", nullptr}};
+    service.store.put("run", id, past.workspace, run);
+    noteEnded(service, run);
+    return id;
 }
 
 json traceOf(const json& run)

@@ -28,6 +28,27 @@ std::vector<std::string> recipients(Service& service, const std::string& workspa
 // a small index, so callers never walk every run ever made.
 std::vector<json> activeRuns(Service& service, const std::string& workspace = "");
 
+// The runs that ended today (done or failed), of a workspace, in the order
+// they ended. Read from a small index that forgets earlier days.
+std::vector<json> runsEndedToday(Service& service, const std::string& workspace);
+
+// A run that ended before the service started, for the demo's history:
+// every step taken, the last one failed when `failed`.
+struct PastRun {
+    std::string workspace;
+    std::string agent;
+    std::string topic;
+    double startedAt = 0;
+    double endedAt = 0;
+    bool failed = false;
+    std::string summary; // one plain sentence: what came of it, or what went wrong
+    std::string threadId;
+    std::string taskId;
+    std::string author = "u1";
+};
+// Stores the run and indexes it as ended; answers its id.
+std::string addPastRun(Service& service, const PastRun& past);
+
 // A run's trace as the client reads it (Model.RunTrace).
 json traceOf(const json& run);
 

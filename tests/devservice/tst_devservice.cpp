@@ -15,6 +15,7 @@
 #include <QJsonDocument>
 #include <QNetworkAccessManager>
 #include <QNetworkReply>
+#include <QRegularExpression>
 #include <QTemporaryDir>
 #include <QTest>
 #include <QUrlQuery>
@@ -319,6 +320,98 @@ private slots:
             QFAIL("a missing task was found");
         } catch (const CallError& error) {
             QCOMPARE(error.description(), u"This page could not be found."_s);
+        } catch (const ServiceError& error) {
+            QFAIL(qPrintable(error.description()));
+        }
+    }
+
+    // Home's day and Needs you: a fresh seed already has a day, each event
+    // keeps its id from call to call, a room answer shows once, and the
+    // other workspace's viewer sees that workspace's items only.
+    void homeDayAndNeedsYou()
+    {
+        DevService service({u"--auto-approve"_s, u"--time-scale"_s, u"4"_s});
+        Session session(service);
+        try {
+            const auto day = blockingWait(Calls::shell::activity());
+            QCOMPARE(day.day, QDateTime::currentDateTimeUtc().date().toString(Qt::ISODate));
+            QVERIFY(day.done >= 3 && day.failed >= 1);
+            const QRegularExpression stamp(u"^\\d{4}-\\d\\d-\\d\\dT\\d\\d:\\d\\d:\\d\\d\\.\\d{3}Z$"_s);
+            QSet<QString> actors;
+            for (qsizetype i = 0; i < day.items.size(); ++i) {
+                const auto& item = day.items[i];
+                QVERIFY2(item.at.startsWith(day.day) && stamp.match(item.at).hasMatch(), qPrintable(item.at));
+                QVERIFY2(i == 0 || day.items[i - 1].at >= item.at, qPrintable(item.id)); // newest first
+                const QString page = item.kind == u"task"_s ? u"^/tasks/NOR-\\d+$"_s
+                                     : item.kind == u"message"_s
+                                         ? u"^/kest\\?thread=m_\\w+$"_s
+                                         : u"^/kest/%1/runs/run_\\w+$"_s.arg(item.actor.id);
+                QVERIFY2(QRegularExpression(page).match(item.href).hasMatch(), qPrintable(item.href));
+                const QString text = item.text.value_or(QString());
+                QVERIFY2(!text.contains(u'*') && !text.contains(u'`') && !text.contains(u"[1]"_s),
+                         qPrintable(text));
+                actors.insert(item.actor.id);
+            }
+            QVERIFY(actors.size() >= 4);
+            QVERIFY(std::any_of(day.items.begin(), day.items.end(),
+                                [](const auto& item) { return item.kind == u"failed"_s && item.text; }));
+            QCOMPARE(blockingWait(Calls::shell::activity()).items, day.items);
+
+            const auto waits = blockingWait(Calls::shell::waiting());
+            QMap<QString, int> kinds;
+            for (qsizetype i = 0; i < waits.items.size(); ++i) {
+                const auto& item = waits.items[i];
+                ++kinds[item.kind];
+                QVERIFY2(i == 0 || waits.items[i - 1].at <= item.at, qPrintable(item.id)); // oldest first
+                QCOMPARE(item.task.has_value(), item.kind == u"ask"_s || item.kind == u"review"_s);
+                if (item.task)
+                    QCOMPARE(item.href, u"/tasks/"_s + item.task->key);
+            }
+            const auto& counts = waits.counts;
+            QCOMPARE(counts.approvals, kinds.value(u"approval"_s));
+            QCOMPARE(counts.asks, kinds.value(u"ask"_s));
+            QCOMPARE(counts.drafts, kinds.value(u"draft"_s));
+            QCOMPARE(counts.reviews, kinds.value(u"review"_s));
+            QCOMPARE(counts.approvals + counts.asks + counts.drafts + counts.reviews,
+                     double(waits.items.size()));
+            QVERIFY(counts.asks >= 1 && counts.drafts >= 1 && counts.reviews >= 1);
+            const auto frame = blockingWait(Calls::shell::frame());
+            QCOMPARE(frame.counts.needsYou, counts.asks + counts.reviews);
+            QCOMPARE(blockingWait(Calls::shell::waiting()).items, waits.items);
+            QCOMPARE(service.action(u"shell/waiting"_s, QJsonArray{1, u"x"_s}, session.access()).status, 200);
+
+            // A question in the room runs, then is the day's newest line, once
+            // (its "replied to" notification is not a second line).
+            const auto posted = blockingWait(Calls::app::postKestMessageAction(
+                JSONValue::Object{{"text", "@atlas compare pricing pages"}}));
+            const auto busy = blockingWait(Calls::shell::activity());
+            QVERIFY(std::any_of(busy.running.begin(), busy.running.end(), [](const auto& run) {
+                return run.agent.id == u"atlas"_s && run.href == u"/kest/atlas/runs/"_s + run.id;
+            }));
+            QVERIFY(eventually([&] { return blockingWait(Calls::shell::activity()).done == day.done + 1; }));
+            const auto after = blockingWait(Calls::shell::activity());
+            QVERIFY(after.running.isEmpty());
+            QCOMPARE(after.items.size(), day.items.size() + 1);
+            QCOMPARE(after.items[0].href, u"/kest?thread="_s + *posted.threadId);
+            QCOMPARE(after.items[0].verb, u"answered in the kest chat"_s);
+
+            QSet<QString> ours;
+            for (const auto& item : after.items)
+                ours.insert(item.id);
+            for (const auto& item : waits.items)
+                ours.insert(item.id);
+            const QString other =
+                frame.workspaces[0].current ? frame.workspaces[1].id : frame.workspaces[0].id;
+            blockingWait(Calls::app::switchWorkspaceAction(other));
+            const auto theirDay = blockingWait(Calls::shell::activity());
+            const auto theirWaits = blockingWait(Calls::shell::waiting());
+            QVERIFY(!theirDay.items.isEmpty() && !theirWaits.items.isEmpty());
+            for (const auto& item : theirDay.items)
+                QVERIFY2(!ours.contains(item.id) && !item.href.contains(u"NOR-"_s), qPrintable(item.id));
+            for (const auto& item : theirWaits.items)
+                QVERIFY2(!ours.contains(item.id) && (!item.task || item.task->key.startsWith(u"LAK-"_s)),
+                         qPrintable(item.id));
+            blockingWait(Calls::app::switchWorkspaceAction(frame.workspace.id));
         } catch (const ServiceError& error) {
             QFAIL(qPrintable(error.description()));
         }
