@@ -56,14 +56,15 @@ int main(int argc, char** argv)
     qputenv("QT_QPA_PLATFORM", "offscreen");
     QGuiApplication app(argc, argv);
     Kestro::loadBundledFonts();
-    Kestro::registerRichTextTypes();
     QQmlEngine engine;
     engine.addImportPath(QStringLiteral("qrc:/"));
     engine.addImageProvider(QStringLiteral("icon"), new Kestro::IconProvider);
+    Kestro::addRichTextImageProviders(engine);
     const QStringList texts = messages();
-    const QByteArray markdown = "import QtQuick\nimport Kestro\nColumn { property var texts; width: 700\n"
-                                "  Repeater { model: texts; Markdown { required property string modelData; "
-                                "width: 700; text: modelData } } }\n";
+    const QByteArray markdown =
+        "import QtQuick\nimport Kestro.RichText\nColumn { property var texts; width: 700\n"
+        "  Repeater { model: texts; Markdown { required property string modelData; "
+        "width: 700; text: modelData } } }\n";
     const QByteArray plain =
         "import QtQuick\nColumn { property var texts; width: 700\n"
         "  Repeater { model: texts; Text { required property string modelData; width: 700; "

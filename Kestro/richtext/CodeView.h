@@ -2,6 +2,7 @@
 
 #include <QObject>
 #include <QVariantList>
+#include <QtQml/qqmlregistration.h>
 
 namespace Kestro {
 
@@ -11,6 +12,8 @@ namespace Kestro {
 // theme the view passes in.
 class CodeView : public QObject {
     Q_OBJECT
+    QML_ELEMENT
+    QML_SINGLETON
 public:
     using QObject::QObject;
 

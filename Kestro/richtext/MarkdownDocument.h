@@ -2,6 +2,7 @@
 
 #include <QObject>
 #include <QVariantList>
+#include <QtQml/qqmlregistration.h>
 
 namespace Kestro {
 
@@ -11,6 +12,7 @@ namespace Kestro {
 // selectable and its links report through onLinkActivated.
 class MarkdownDocument : public QObject {
     Q_OBJECT
+    QML_ELEMENT
     Q_PROPERTY(QString text READ text WRITE setText NOTIFY changed)
     Q_PROPERTY(int citations READ citations WRITE setCitations NOTIFY changed)
     Q_PROPERTY(bool images READ images WRITE setImages NOTIFY changed)

@@ -1,19 +1,16 @@
 #include "RichTextTypes.h"
 
-#include "CodeView.h"
-#include "MarkdownDocument.h"
 #include "OwnImageProvider.h"
 
 #include <QQmlEngine>
+#include <QtQml/qqmlextensionplugin.h>
+
+// The modules are static libraries: whatever shows rich text adds its image
+// providers here, which links in the views' plugin and the shared controls'.
+Q_IMPORT_QML_PLUGIN(Kestro_RichTextPlugin)
+Q_IMPORT_QML_PLUGIN(Kestro_ControlsPlugin)
 
 namespace Kestro {
-
-void registerRichTextTypes()
-{
-    qmlRegisterType<MarkdownDocument>("Kestro", 1, 0, "MarkdownDocument");
-    static CodeView codeView;
-    qmlRegisterSingletonInstance("Kestro", 1, 0, "CodeView", &codeView);
-}
 
 void addRichTextImageProviders(QQmlEngine& engine)
 {

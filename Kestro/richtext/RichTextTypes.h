@@ -4,8 +4,6 @@ class QQmlEngine;
 
 namespace Kestro {
 
-// Makes the rich-text types known to QML under "import Kestro".
-void registerRichTextTypes();
 // Adds "image://own/...", the workspace's own images through the client.
 void addRichTextImageProviders(QQmlEngine& engine);
 

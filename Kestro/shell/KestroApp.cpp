@@ -29,7 +29,12 @@
 #include <QQuickWindow>
 #include <QTextStream>
 #include <QWebEngineUrlScheme>
+#include <QtQml/qqmlextensionplugin.h>
 #include <QtWebEngineQuick/qtwebenginequickglobal.h>
+
+// The app's QML modules are static libraries: their plugins are linked in.
+Q_IMPORT_QML_PLUGIN(Kestro_ShellPlugin)
+Q_IMPORT_QML_PLUGIN(Kestro_PagesPlugin)
 
 namespace Kestro {
 
@@ -46,11 +51,20 @@ void KestroApp::prepare()
     QtWebEngineQuick::initialize();
 }
 
+namespace {
+KestroApp* s_current = nullptr;
+} // namespace
+
+KestroApp* KestroApp::current()
+{
+    return s_current;
+}
+
 KestroApp::KestroApp(QObject* parent) : QObject(parent)
 {
+    s_current = this;
     LogRedaction::install();
     loadBundledFonts();
-    registerRichTextTypes();
     QQuickStyle::setStyle(QStringLiteral("Basic"));
 
     Client& client = Client::shared();
@@ -91,21 +105,6 @@ KestroApp::KestroApp(QObject* parent) : QObject(parent)
                 frame.value(QStringLiteral("counts")).toMap().value(QStringLiteral("notifications")).toInt());
     });
 
-    qmlRegisterUncreatableType<AppModel>("Kestro.Shell", 1, 0, "AppModel",
-                                         QStringLiteral("The app has one."));
-    qmlRegisterUncreatableType<Router>("Kestro.Shell", 1, 0, "Router", QStringLiteral("The app has one."));
-    qmlRegisterUncreatableType<WebViews>("Kestro.Shell", 1, 0, "WebViewsType",
-                                         QStringLiteral("The app has one."));
-    qmlRegisterType<WebBridge>("Kestro.Shell", 1, 0, "WebBridge");
-    qmlRegisterSingletonInstance("Kestro.Shell", 1, 0, "App", m_app.get());
-    qmlRegisterSingletonInstance("Kestro.Shell", 1, 0, "Shell", m_shell.get());
-    qmlRegisterSingletonInstance("Kestro.Shell", 1, 0, "Appearance", m_appearance.get());
-    qmlRegisterSingletonInstance("Kestro.Shell", 1, 0, "Pages", m_pages.get());
-    qmlRegisterSingletonInstance("Kestro.Shell", 1, 0, "Bell", m_bell.get());
-    qmlRegisterSingletonInstance("Kestro.Shell", 1, 0, "Commands", m_palette.get());
-    qmlRegisterSingletonInstance("Kestro.Shell", 1, 0, "AuthSession", m_authSession.get());
-    qmlRegisterSingletonInstance("Kestro.Shell", 1, 0, "WebViews", m_webViews.get());
-
     m_engine = std::make_unique<QQmlApplicationEngine>();
     m_engine->addImportPath(QStringLiteral("qrc:/"));
     m_engine->addImageProvider(QStringLiteral("icon"), new IconProvider);
@@ -116,11 +115,13 @@ KestroApp::~KestroApp()
 {
     // The window goes before the models its bindings read.
     m_engine.reset();
+    if (s_current == this)
+        s_current = nullptr;
 }
 
 bool KestroApp::show()
 {
-    m_engine->load(QUrl(QStringLiteral("qrc:/Kestro/shell/Main.qml")));
+    m_engine->load(QUrl(QStringLiteral("qrc:/Kestro/Shell/Main.qml")));
     if (m_engine->rootObjects().isEmpty()) {
         QTextStream(stderr) << "Kestro could not load its window (the messages above say why). "
                                "Reinstall Kestro, or report these messages.\n";

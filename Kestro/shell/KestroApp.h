@@ -34,6 +34,9 @@ public:
     static void prepare();
     static int main(int argc, char** argv);
 
+    // The app this process runs (QML's singletons are its objects).
+    static KestroApp* current();
+
     explicit KestroApp(QObject* parent = nullptr);
     ~KestroApp() override;
 
@@ -49,6 +52,9 @@ public:
     Router& router() const { return *m_router; }
     ShellState& shell() const { return *m_shell; }
     Appearance& appearance() const { return *m_appearance; }
+    PageCatalog& pages() const { return *m_pages; }
+    BellModel& bell() const { return *m_bell; }
+    PaletteModel& palette() const { return *m_palette; }
     WebAuthSession& authSession() const { return *m_authSession; }
     WebViews& webViews() const { return *m_webViews; }
     QQmlApplicationEngine& engine() const { return *m_engine; }

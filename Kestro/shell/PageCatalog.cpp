@@ -1,67 +1,95 @@
 #include "PageCatalog.h"
 
-#include <QHash>
-
 namespace Kestro {
 
 namespace {
 
-// The first segments of the product's pages, with the heading each family
-// shows until its page reports its own title.
-const QHash<QString, QString>& families()
+using Kind = PageCatalog::Kind;
+
+// One row of the route table. The pattern's segments match one segment
+// each, "*" any one, and a last "**" whatever follows (nothing included).
+// The first row that matches wins.
+struct Row {
+    const char* pattern;
+    Kind kind;
+    const char* component; // native pages: the file under qrc:/Kestro/Pages
+    const char* title;
+    const char* youTitle = nullptr; // the title under "?view=you"
+};
+
+const Row table[] = {
+    {"activity", Kind::Native, "ActivityPage.qml", "Home", "Needs you"},
+    // The product's other families are the service's own pages for now.
+    {"analytics/**", Kind::Web, nullptr, "Analytics"},
+    {"brain/**", Kind::Web, nullptr, "Brain"},
+    {"brands/**", Kind::Web, nullptr, "Brands"},
+    {"canvas/**", Kind::Web, nullptr, "Canvas"},
+    {"changelog/**", Kind::Web, nullptr, "Changelog"},
+    {"crm/**", Kind::Web, nullptr, "Customers"},
+    {"disputes/**", Kind::Web, nullptr, "Disputes"},
+    {"documents/**", Kind::Web, nullptr, "Documents"},
+    {"email/**", Kind::Web, nullptr, "Email"},
+    {"emails/**", Kind::Web, nullptr, "Email"},
+    {"embed/**", Kind::Web, nullptr, "Embed"},
+    {"incidents/**", Kind::Web, nullptr, "Incidents"},
+    {"interviews/**", Kind::Web, nullptr, "Interviews"},
+    {"kest/**", Kind::Web, nullptr, "Kest chat"},
+    {"places/**", Kind::Web, nullptr, "Places"},
+    {"product-analytics/**", Kind::Web, nullptr, "Product analytics"},
+    {"projects/**", Kind::Web, nullptr, "Projects"},
+    {"research/**", Kind::Web, nullptr, "Research"},
+    {"routines/**", Kind::Web, nullptr, "Routines"},
+    {"runs/**", Kind::Web, nullptr, "Runs"},
+    {"session-replay/**", Kind::Web, nullptr, "Session replay"},
+    {"sessions/**", Kind::Web, nullptr, "Sessions"},
+    {"settings/**", Kind::Web, nullptr, "Settings"},
+    {"setup/**", Kind::Web, nullptr, "Setup"},
+    {"support/**", Kind::Web, nullptr, "Support"},
+    {"surveys/**", Kind::Web, nullptr, "Surveys"},
+    {"tasks/**", Kind::Web, nullptr, "Tasks"},
+    {"tests/**", Kind::Web, nullptr, "Tests"},
+    {"vault/**", Kind::Web, nullptr, "Vault"},
+};
+
+bool matches(QLatin1StringView pattern, const QStringList& segments)
 {
-    static const QHash<QString, QString> table{
-        {QStringLiteral("activity"), QStringLiteral("Home")},
-        {QStringLiteral("analytics"), QStringLiteral("Analytics")},
-        {QStringLiteral("brain"), QStringLiteral("Brain")},
-        {QStringLiteral("brands"), QStringLiteral("Brands")},
-        {QStringLiteral("canvas"), QStringLiteral("Canvas")},
-        {QStringLiteral("changelog"), QStringLiteral("Changelog")},
-        {QStringLiteral("crm"), QStringLiteral("Customers")},
-        {QStringLiteral("disputes"), QStringLiteral("Disputes")},
-        {QStringLiteral("documents"), QStringLiteral("Documents")},
-        {QStringLiteral("email"), QStringLiteral("Email")},
-        {QStringLiteral("emails"), QStringLiteral("Email")},
-        {QStringLiteral("embed"), QStringLiteral("Embed")},
-        {QStringLiteral("incidents"), QStringLiteral("Incidents")},
-        {QStringLiteral("interviews"), QStringLiteral("Interviews")},
-        {QStringLiteral("kest"), QStringLiteral("Kest chat")},
-        {QStringLiteral("places"), QStringLiteral("Places")},
-        {QStringLiteral("product-analytics"), QStringLiteral("Product analytics")},
-        {QStringLiteral("projects"), QStringLiteral("Projects")},
-        {QStringLiteral("research"), QStringLiteral("Research")},
-        {QStringLiteral("routines"), QStringLiteral("Routines")},
-        {QStringLiteral("runs"), QStringLiteral("Runs")},
-        {QStringLiteral("session-replay"), QStringLiteral("Session replay")},
-        {QStringLiteral("sessions"), QStringLiteral("Sessions")},
-        {QStringLiteral("settings"), QStringLiteral("Settings")},
-        {QStringLiteral("setup"), QStringLiteral("Setup")},
-        {QStringLiteral("support"), QStringLiteral("Support")},
-        {QStringLiteral("surveys"), QStringLiteral("Surveys")},
-        {QStringLiteral("tasks"), QStringLiteral("Tasks")},
-        {QStringLiteral("tests"), QStringLiteral("Tests")},
-        {QStringLiteral("vault"), QStringLiteral("Vault")},
-    };
-    return table;
+    const auto parts = QString(pattern).split(QLatin1Char('/'));
+    for (qsizetype i = 0; i < parts.size(); ++i) {
+        if (parts[i] == QLatin1String("**") && i == parts.size() - 1)
+            return true;
+        if (i >= segments.size())
+            return false;
+        if (parts[i] != QLatin1String("*") && parts[i] != segments[i])
+            return false;
+    }
+    return parts.size() == segments.size();
 }
 
 } // namespace
 
-PageCatalog::Kind PageCatalog::kindOf(const Route& route)
+PageCatalog::Page PageCatalog::pageOf(const Route& route)
 {
-    if (route.segments.isEmpty() || !families().contains(route.segments.first()))
-        return Kind::Missing;
-    return Kind::Web;
-}
-
-QString PageCatalog::titleOf(const Route& route)
-{
-    if (route.segments.isEmpty())
-        return QStringLiteral("Kestro");
-    if (route.segments.first() == QLatin1String("activity") &&
-        route.query.value(QStringLiteral("view")) == QLatin1String("you"))
-        return QStringLiteral("Needs you");
-    return families().value(route.segments.first(), QStringLiteral("Not found"));
+    for (const Row& row : table) {
+        if (!matches(QLatin1StringView(row.pattern), route.segments))
+            continue;
+        Page page;
+        page.kind = row.kind;
+        page.title = QString::fromLatin1(
+            row.youTitle && route.query.value(QStringLiteral("view")) == QLatin1String("you") ? row.youTitle
+                                                                                              : row.title);
+        if (row.kind == Kind::Native) {
+            page.component = QStringLiteral("qrc:/Kestro/Pages/") + QLatin1String(row.component);
+            page.identity = page.component + QLatin1Char(' ') + route.canonicalPath();
+        } else {
+            // The service's pages share one web view that follows the path.
+            page.identity = QStringLiteral("web");
+        }
+        return page;
+    }
+    Page missing;
+    missing.identity = QStringLiteral("missing");
+    missing.title = route.segments.isEmpty() ? QStringLiteral("Kestro") : QStringLiteral("Not found");
+    return missing;
 }
 
 const QList<PageCatalog::Place>& PageCatalog::placeList()
@@ -100,10 +128,12 @@ const QList<PageCatalog::Place>& PageCatalog::placeList()
 
 QVariantMap PageCatalog::pageFor(const QString& path) const
 {
-    const Route route = Route::parse(path);
-    return {{QStringLiteral("kind"),
-             kindOf(route) == Kind::Web ? QStringLiteral("web") : QStringLiteral("missing")},
-            {QStringLiteral("title"), titleOf(route)}};
+    const Page page = pageOf(Route::parse(path));
+    static const char* const kinds[] = {"native", "web", "missing"};
+    return {{QStringLiteral("kind"), QString::fromLatin1(kinds[int(page.kind)])},
+            {QStringLiteral("component"), page.component},
+            {QStringLiteral("identity"), page.identity},
+            {QStringLiteral("title"), page.title}};
 }
 
 QVariantList PageCatalog::places() const

@@ -1,5 +1,6 @@
 import QtQuick
-import Kestro
+import Kestro.Controls
+import Kestro.RichText
 
 // Every rich-text construct on one page, for looking at and for the render test.
 Rectangle {
@@ -8,9 +9,9 @@ Rectangle {
     property string sample
     width: 760
     height: content.height + 48
-    color: theme.background
-
-    Theme { id: theme; dark: page.dark }
+    color: Theme.background
+    // The gallery draws each picture in one shade: it sets the palette.
+    Component.onCompleted: Theme.dark = page.dark
 
     Column {
         id: content
@@ -21,7 +22,6 @@ Rectangle {
 
         Markdown {
             width: parent.width
-            dark: page.dark
             document: true
             citations: 2
             embeds: true
@@ -29,19 +29,16 @@ Rectangle {
         }
         DiffView {
             width: parent.width
-            theme: theme
             oldText: "let total = 0;\nfor (const x of items) total += x;\nreturn total;"
             newText: "let total = 0;\nfor (const x of items) total += x.price;\nreturn Math.round(total);"
         }
         DiffView {
             width: parent.width
-            theme: theme
             oldText: "same"
             newText: "same"
         }
         CodeBlock {
             width: parent.width
-            theme: theme
             title: "launch.ts"
             lang: "ts"
             numbers: true
@@ -51,7 +48,6 @@ Rectangle {
         }
         CodeBlock {
             width: parent.width
-            theme: theme
             bare: true
             danger: true
             lang: "sh"

@@ -43,7 +43,6 @@ int main(int argc, char** argv)
     }
     previous = qInstallMessageHandler(countWarnings);
     Kestro::loadBundledFonts();
-    Kestro::registerRichTextTypes();
 
     QQmlEngine engine;
     engine.addImportPath(QStringLiteral("qrc:/"));

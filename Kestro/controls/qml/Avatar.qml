@@ -1,9 +1,9 @@
 import QtQuick
+import Kestro.Controls
 
 // A round initial for a person or teammate, with an optional status dot.
 Rectangle {
     id: avatar
-    property AppTheme theme
     property string name
     property string status: ""
     property int size: 22
@@ -17,7 +17,7 @@ Rectangle {
             h = (h * 31 + name.charCodeAt(i)) % 360
         return h / 360
     }
-    color: Qt.hsla(hue, 0.55, theme && theme.dark ? 0.38 : 0.62, 1)
+    color: Qt.hsla(hue, 0.55, Theme.dark ? 0.38 : 0.62, 1)
     Text {
         anchors.centerIn: parent
         text: avatar.name.length > 0 ? avatar.name.charAt(0).toUpperCase() : "?"
@@ -35,9 +35,9 @@ Rectangle {
         anchors.bottom: parent.bottom
         anchors.margins: -1
         border.width: 2
-        border.color: avatar.theme ? avatar.theme.sidebar : "white"
-        color: avatar.status === "working" || avatar.status === "running" ? avatar.theme.busy
-             : avatar.status === "idle" || avatar.status === "online" || avatar.status === "ready" ? avatar.theme.good
-             : avatar.theme.muted
+        border.color: Theme.sidebar
+        color: avatar.status === "working" || avatar.status === "running" ? Theme.busy
+             : avatar.status === "idle" || avatar.status === "online" || avatar.status === "ready" ? Theme.good
+             : Theme.muted
     }
 }

@@ -1,5 +1,6 @@
 import QtQuick
 import QtQuick.Layouts
+import Kestro.Controls
 
 // A named Lucide icon drawn in one colour.
 Image {

@@ -1,10 +1,10 @@
 import QtQuick
 import QtQuick.Controls.Basic
+import Kestro.Controls
 
 // A square, flat button with one icon and a tooltip naming what it does.
 AbstractButton {
     id: button
-    property AppTheme theme
     property string glyph
     property string tip
     property int iconSize: 16
@@ -17,16 +17,16 @@ AbstractButton {
 
     background: Rectangle {
         radius: 7
-        color: button.down || button.checked ? button.theme.selected : (button.hovered ? button.theme.hover : "transparent")
+        color: button.down || button.checked ? Theme.selected : (button.hovered ? Theme.hover : "transparent")
         border.width: button.visualFocus ? 2 : 0
-        border.color: button.theme.accent
+        border.color: Theme.accent
     }
     contentItem: Item {
         Icon {
             anchors.centerIn: parent
             name: button.glyph
             size: button.iconSize
-            color: button.theme.muted
+            color: Theme.muted
         }
     }
     ToolTip.visible: hovered && tip.length > 0

@@ -1,16 +1,15 @@
 import QtQuick
 import QtQuick.Controls.Basic
+import Kestro.Controls
 
 // A menu entry that shows its keyboard chord on the right, as desktop menus do.
 MenuItem {
     id: item
-    property AppTheme theme
     property string chord
     property string glyph
-    // Submenu rows are made by their menu before the theme reaches them.
-    readonly property color ink: theme ? theme.text : "black"
-    readonly property color faint: theme ? theme.muted : "gray"
-    readonly property color pick: theme ? theme.selected : "transparent"
+    readonly property color ink: Theme.text
+    readonly property color faint: Theme.muted
+    readonly property color pick: Theme.selected
     implicitHeight: 32
     implicitWidth: 280
     font.family: "Geist"
@@ -52,8 +51,7 @@ MenuItem {
         y: (item.height - height) / 2
         name: "chevron-right"
         size: 14
-        // Submenu rows are made by the menu before their theme is set.
-        color: item.theme ? item.faint : "gray"
+        color: item.faint
     }
     background: Rectangle {
         radius: 6

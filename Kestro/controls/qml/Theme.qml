@@ -1,10 +1,11 @@
+pragma Singleton
 import QtQuick
-import Kestro
 
-// The window's colours: the rich-text palette plus the frame's surfaces,
-// tinted by the chosen light or dark shade.
-Theme {
-    id: theme
+// The one palette every view reads: the rich-text colours and the frame's
+// surfaces, light or dark, tinted by the chosen shade. The window binds
+// `dark` and the shades to the appearance settings.
+QtObject {
+    property bool dark: false
     property string darkShade: "graphite"
     property string lightShade: "daylight"
 
@@ -19,7 +20,27 @@ Theme {
         "sage": "#f0f5ef", "lavender": "#f5f3fc", "blush": "#fcf3f3"
     })
 
+    // Text and rich text.
+    readonly property color text: dark ? "#ececf0" : "#1d1d1f"
+    readonly property color muted: dark ? "#9a9aa3" : "#6b6b70"
+    readonly property color link: dark ? "#8fa2ff" : "#3b5bdb"
+    readonly property color well: dark ? Qt.lighter(ground, 1.3) : Qt.darker(ground, 1.035)
+    readonly property color line: dark ? Qt.rgba(1, 1, 1, 0.08) : Qt.rgba(0, 0, 0, 0.08)
+    readonly property color quoteBar: dark ? "#3a3a42" : "#d9d9de"
+    readonly property color mark: dark ? Qt.rgba(1, 0.85, 0.3, 0.12) : Qt.rgba(1, 0.75, 0, 0.12)
+    readonly property color added: dark ? Qt.rgba(0.3, 0.85, 0.45, 0.10) : Qt.rgba(0.1, 0.6, 0.25, 0.10)
+    readonly property color removed: dark ? Qt.rgba(1, 0.35, 0.35, 0.10) : Qt.rgba(0.85, 0.15, 0.15, 0.10)
+    readonly property color danger: dark ? "#ff7b7b" : "#c92a2a"
+    readonly property var tones: dark
+        ? { "string": "#9ad68a", "comment": Qt.rgba(0.85, 0.85, 0.9, 0.45), "number": "#f3b36b", "keyword": "#c79bff", "call": "#7fc8ff" }
+        : { "string": "#2b8a3e", "comment": Qt.rgba(0.1, 0.1, 0.12, 0.45), "number": "#c2410c", "keyword": "#7c3aed", "call": "#1c64c8" }
+    readonly property string sans: "Geist"
+    readonly property string mono: "Geist Mono"
+    readonly property string display: "Plus Jakarta Sans"
+
+    // Surfaces.
     readonly property color ground: dark ? (darkGrounds[darkShade] || "#1b1b1f") : (lightGrounds[lightShade] || "#ffffff")
+    readonly property color background: ground
     readonly property color page: ground
     readonly property color sidebar: dark ? Qt.lighter(ground, 1.25) : Qt.darker(ground, 1.035)
     readonly property color raised: dark ? Qt.lighter(ground, 1.45) : "#ffffff"
@@ -33,4 +54,6 @@ Theme {
     readonly property color scrim: dark ? Qt.rgba(0, 0, 0, 0.55) : Qt.rgba(0, 0, 0, 0.28)
     readonly property color good: dark ? "#69db7c" : "#2f9e44"
     readonly property color busy: dark ? "#ffd43b" : "#e8a400"
+    // A placeholder's bones, a shade off the ground.
+    readonly property color bone: dark ? Qt.rgba(1, 1, 1, 0.07) : Qt.rgba(0, 0, 0, 0.06)
 }

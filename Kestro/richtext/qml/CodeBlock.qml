@@ -1,12 +1,12 @@
 import QtQuick
-import Kestro
+import Kestro.Controls
+import Kestro.RichText
 
 // A code well: optional title bar with the copy button, optional line
 // numbers from `start`, one marked line, tones for JavaScript, TypeScript
 // and JSON, whole-line tints for "diff".
 Rectangle {
     id: block
-    required property var theme
     property string code
     property string lang
     property string title
@@ -17,13 +17,13 @@ Rectangle {
     property bool danger: false
     property bool copied: false
 
-    readonly property var lines: CodeView.lines(code, lang, start, mark, bare, theme.tones)
+    readonly property var lines: CodeView.lines(code, lang, start, mark, bare, Theme.tones)
     implicitHeight: column.height
     height: implicitHeight
     radius: bare ? 0 : 8
-    color: bare ? "transparent" : theme.well
+    color: bare ? "transparent" : Theme.well
     border.width: bare ? 0 : 1
-    border.color: danger ? theme.danger : theme.line
+    border.color: danger ? Theme.danger : Theme.line
 
     Column {
         id: column
@@ -38,8 +38,8 @@ Rectangle {
                 anchors.leftMargin: 12
                 anchors.verticalCenter: parent.verticalCenter
                 text: block.title !== "" ? block.title : block.lang
-                color: block.danger ? block.theme.danger : block.theme.muted
-                font.family: block.theme.mono
+                color: block.danger ? Theme.danger : Theme.muted
+                font.family: Theme.mono
                 font.pixelSize: 12
             }
             Rectangle {
@@ -50,7 +50,7 @@ Rectangle {
                 width: 24
                 height: 24
                 radius: 6
-                color: copyArea.containsMouse ? block.theme.line : "transparent"
+                color: copyArea.containsMouse ? Theme.line : "transparent"
                 Accessible.role: Accessible.Button
                 Accessible.name: block.copied ? "Copied" : "Copy the code"
                 Accessible.onPressAction: copyArea.clicked(null)
@@ -60,7 +60,7 @@ Rectangle {
                     height: 14
                     sourceSize: Qt.size(28, 28)
                     source: "image://icon/" + (block.copied ? "check" : "copy") + "?color="
-                            + encodeURIComponent(block.theme.muted)
+                            + encodeURIComponent(Theme.muted)
                 }
                 MouseArea {
                     id: copyArea
@@ -91,9 +91,9 @@ Rectangle {
                     required property var modelData
                     width: column.width
                     height: codeLine.height
-                    color: modelData.tint === "marked" ? block.theme.mark
-                         : modelData.tint === "added" ? block.theme.added
-                         : modelData.tint === "removed" ? block.theme.removed : "transparent"
+                    color: modelData.tint === "marked" ? Theme.mark
+                         : modelData.tint === "added" ? Theme.added
+                         : modelData.tint === "removed" ? Theme.removed : "transparent"
                     Row {
                         spacing: 12
                         leftPadding: 12
@@ -102,8 +102,8 @@ Rectangle {
                             width: 24
                             horizontalAlignment: Text.AlignRight
                             text: modelData.number
-                            color: block.theme.muted
-                            font.family: block.theme.mono
+                            color: Theme.muted
+                            font.family: Theme.mono
                             font.pixelSize: 13
                         }
                         TextEdit {
@@ -112,8 +112,8 @@ Rectangle {
                             selectByMouse: true
                             textFormat: TextEdit.RichText
                             text: modelData.html
-                            color: block.danger ? block.theme.danger : block.theme.text
-                            font.family: block.theme.mono
+                            color: block.danger ? Theme.danger : Theme.text
+                            font.family: Theme.mono
                             font.pixelSize: 13
                         }
                     }

@@ -1,11 +1,11 @@
 import QtQuick
-import Kestro
+import Kestro.Controls
+import Kestro.RichText
 
 // A file's text beside a proposed new text: kept, removed and added lines
 // with both line numbers, removals first at each change.
 Rectangle {
     id: diff
-    required property var theme
     property string oldText
     property string newText
 
@@ -14,17 +14,17 @@ Rectangle {
     implicitHeight: same ? message.implicitHeight + 24 : list.height + 16
     height: implicitHeight
     radius: 8
-    color: theme.well
+    color: Theme.well
     border.width: 1
-    border.color: theme.line
+    border.color: Theme.line
 
     Text {
         id: message
         visible: diff.same
         anchors.centerIn: parent
         text: CodeView.noChangeText()
-        color: diff.theme.muted
-        font.family: diff.theme.sans
+        color: Theme.muted
+        font.family: Theme.sans
         font.pixelSize: 13
     }
     Column {
@@ -38,8 +38,8 @@ Rectangle {
                 required property var modelData
                 width: list.width
                 height: 19
-                color: modelData.kind === "added" ? diff.theme.added
-                     : modelData.kind === "removed" ? diff.theme.removed : "transparent"
+                color: modelData.kind === "added" ? Theme.added
+                     : modelData.kind === "removed" ? Theme.removed : "transparent"
                 Row {
                     spacing: 8
                     leftPadding: 8
@@ -50,15 +50,15 @@ Rectangle {
                             width: 28
                             horizontalAlignment: Text.AlignRight
                             text: modelData > 0 ? modelData : ""
-                            color: diff.theme.muted
-                            font.family: diff.theme.mono
+                            color: Theme.muted
+                            font.family: Theme.mono
                             font.pixelSize: 12
                         }
                     }
                     Text {
                         text: (modelData.kind === "added" ? "+ " : modelData.kind === "removed" ? "- " : "  ") + modelData.text
-                        color: diff.theme.text
-                        font.family: diff.theme.mono
+                        color: Theme.text
+                        font.family: Theme.mono
                         font.pixelSize: 12
                     }
                 }

@@ -1,5 +1,6 @@
 import QtQuick
-import Kestro
+import Kestro.Controls
+import Kestro.RichText
 
 // The one Markdown view: parses `text` into blocks and lays them out.
 // Links: "#..." go to `anchorClicked` (citations), app paths to
@@ -7,7 +8,6 @@ import Kestro
 Item {
     id: root
     property string text
-    property bool dark: false
     property bool document: false
     property int citations: 0
     property bool images: false
@@ -19,7 +19,6 @@ Item {
     implicitHeight: stack.implicitHeight
     height: implicitHeight
 
-    Theme { id: theme; dark: root.dark }
     MarkdownDocument {
         id: model
         text: root.text
@@ -30,7 +29,6 @@ Item {
     MarkdownStack {
         id: stack
         width: root.width
-        theme: theme
         blocks: model.blocks
         size: root.document ? root.size + 1 : root.size
         document: root.document

@@ -1,9 +1,10 @@
 import QtQuick
+import Kestro.Controls
+import Kestro.RichText
 
 // One block: a heading, paragraph, code, quote, list, table or rule.
 Loader {
     id: view
-    required property var theme
     property var block: ({})
     property real size: 14
     property bool document: false
@@ -26,9 +27,8 @@ Loader {
     Component {
         id: heading
         Words {
-            theme: view.theme
             html: view.block.html
-            family: view.block.level <= 2 ? view.theme.display : view.theme.sans
+            family: view.block.level <= 2 ? Theme.display : Theme.sans
             bold: true
             size: view.size * view.headingSizes[view.block.level - 1]
             topPadding: view.document ? 6 : 2
@@ -41,7 +41,6 @@ Loader {
             spacing: 8
             Words {
                 width: view.width
-                theme: view.theme
                 html: view.block.html
                 size: view.size
                 onLinkClicked: link => view.linkClicked(link)
@@ -50,7 +49,6 @@ Loader {
                 model: view.block.posts || []
                 delegate: PostCard {
                     required property var modelData
-                    theme: view.theme
                     address: modelData.address
                     user: modelData.user
                     postId: modelData.id
@@ -62,7 +60,6 @@ Loader {
     Component {
         id: code
         CodeBlock {
-            theme: view.theme
             code: view.block.code
             lang: view.block.lang
         }
@@ -75,14 +72,14 @@ Loader {
                 width: 3
                 radius: 1.5
                 height: inner.height
-                color: view.theme.quoteBar
+                color: Theme.quoteBar
             }
             Loader {
                 id: inner
                 width: view.width - 15
                 // Quotes nest: the stack is loaded by name to allow the recursion.
                 Component.onCompleted: setSource("MarkdownStack.qml",
-                                                 { theme: view.theme, blocks: view.block.blocks, size: view.size })
+                                                 { blocks: view.block.blocks, size: view.size })
                 onLoaded: {
                     item.width = Qt.binding(() => inner.width)
                     item.linkClicked.connect(view.linkClicked)
@@ -93,7 +90,6 @@ Loader {
     Component {
         id: list
         MarkdownList {
-            theme: view.theme
             ordered: view.block.ordered
             start: view.block.start
             items: view.block.items
@@ -104,7 +100,6 @@ Loader {
     Component {
         id: table
         MarkdownTable {
-            theme: view.theme
             head: view.block.head
             rows: view.block.rows
             size: view.size
@@ -119,7 +114,7 @@ Loader {
                 anchors.verticalCenter: parent.verticalCenter
                 width: parent.width
                 height: 1
-                color: view.theme.line
+                color: Theme.line
             }
         }
     }

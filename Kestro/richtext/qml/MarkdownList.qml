@@ -1,10 +1,11 @@
 import QtQuick
+import Kestro.Controls
+import Kestro.RichText
 
 // A bullet or ordered list. Ordered numbers count from `start`, end in "."
 // whatever delimiter the source used, and align right in their column.
 Column {
     id: list
-    required property var theme
     property bool ordered: false
     property int start: 1
     property var items: []
@@ -15,7 +16,7 @@ Column {
 
     TextMetrics {
         id: widest
-        font.family: list.theme.sans
+        font.family: Theme.sans
         font.pixelSize: list.size
         text: (list.start + list.items.length - 1) + "."
     }
@@ -38,14 +39,13 @@ Column {
                     anchors.right: parent.right
                     anchors.baseline: parent.top
                     anchors.baselineOffset: list.size * 1.15
-                    color: list.theme.muted
-                    font.family: list.theme.sans
+                    color: Theme.muted
+                    font.family: Theme.sans
                     font.pixelSize: list.size
                     text: list.ordered ? (list.start + row.index) + "." : "•"
                 }
                 TaskBox {
                     visible: row.modelData.task === true || row.modelData.task === false
-                    theme: list.theme
                     done: row.modelData.task === true
                     anchors.right: parent.right
                     anchors.verticalCenter: parent.verticalCenter
@@ -56,7 +56,7 @@ Column {
                 width: list.width - list.markerWidth - 8
                 // Items hold blocks, lists among them: loaded by name for the recursion.
                 Component.onCompleted: setSource("MarkdownStack.qml", {
-                    theme: list.theme, blocks: row.modelData.blocks, size: list.size, spacing: 4 })
+                    blocks: row.modelData.blocks, size: list.size, spacing: 4 })
                 onLoaded: {
                     item.width = Qt.binding(() => content.width)
                     item.linkClicked.connect(list.linkClicked)

@@ -1,9 +1,10 @@
 import QtQuick
+import Kestro.Controls
+import Kestro.RichText
 
 // Blocks laid out one under another.
 Column {
     id: stack
-    required property var theme
     property var blocks: []
     property real size: 14
     property bool document: false
@@ -17,7 +18,6 @@ Column {
             required property var modelData
             width: stack.width
             block: modelData
-            theme: stack.theme
             size: stack.size
             document: stack.document
             onLinkClicked: link => stack.linkClicked(link)

@@ -1,10 +1,11 @@
 import QtQuick
+import Kestro.Controls
+import Kestro.RichText
 
 // A pipe table: a filled head row, rules between rows, fills and rules in
 // black or white at 8% opacity.
 Rectangle {
     id: table
-    required property var theme
     property var head: []
     property var rows: []
     property real size: 14
@@ -16,7 +17,7 @@ Rectangle {
     radius: 6
     color: "transparent"
     border.width: 1
-    border.color: theme.line
+    border.color: Theme.line
     clip: true
 
     Column {
@@ -30,14 +31,13 @@ Rectangle {
                 required property int index
                 width: table.width
                 height: cells.height
-                color: index === 0 ? table.theme.line : "transparent"
+                color: index === 0 ? Theme.line : "transparent"
                 Row {
                     id: cells
                     Repeater {
                         model: tableRow.modelData
                         delegate: Words {
                             required property var modelData
-                            theme: table.theme
                             width: table.cellWidth
                             padding: 8
                             html: modelData
@@ -51,7 +51,7 @@ Rectangle {
                     visible: tableRow.index > 0
                     width: parent.width
                     height: 1
-                    color: table.theme.line
+                    color: Theme.line
                 }
             }
         }

@@ -1,11 +1,12 @@
 import QtQuick
+import Kestro.Controls
+import Kestro.RichText
 
 // A post on X that a paragraph links to, as a compact card: who posted it
 // and where it lives. The app does not fetch the post itself (X serves it
 // only to its own embed script); a click opens it.
 Rectangle {
     id: card
-    required property var theme
     property string address
     property string user
     property string postId
@@ -14,8 +15,8 @@ Rectangle {
     width: Math.min(420, parent ? parent.width : 420)
     height: 58
     radius: 10
-    color: area.containsMouse ? Qt.darker(theme.well, theme.dark ? 0.9 : 1.03) : theme.well
-    border.color: theme.line
+    color: area.containsMouse ? Qt.darker(Theme.well, Theme.dark ? 0.9 : 1.03) : Theme.well
+    border.color: Theme.line
     Accessible.role: Accessible.Link
     Accessible.name: "Post by @" + user + " on X"
     activeFocusOnTab: true
@@ -29,14 +30,14 @@ Rectangle {
         width: 32
         height: 32
         radius: 16
-        color: card.theme.dark ? "#f5f5f5" : "#111111"
+        color: Theme.dark ? "#f5f5f5" : "#111111"
         Text {
             anchors.centerIn: parent
             text: "X"
-            font.family: card.theme.display
+            font.family: Theme.display
             font.bold: true
             font.pixelSize: 15
-            color: card.theme.dark ? "#111111" : "#ffffff"
+            color: Theme.dark ? "#111111" : "#ffffff"
         }
     }
     Column {
@@ -50,18 +51,18 @@ Rectangle {
             width: parent.width
             text: "@" + card.user
             elide: Text.ElideRight
-            font.family: card.theme.sans
+            font.family: Theme.sans
             font.pixelSize: 14
             font.weight: Font.DemiBold
-            color: card.theme.text
+            color: Theme.text
         }
         Text {
             width: parent.width
             text: "Post " + card.postId + " on X"
             elide: Text.ElideRight
-            font.family: card.theme.sans
+            font.family: Theme.sans
             font.pixelSize: 12
-            color: card.theme.muted
+            color: Theme.muted
         }
     }
     Rectangle {
@@ -69,7 +70,7 @@ Rectangle {
         radius: card.radius
         color: "transparent"
         border.width: card.activeFocus ? 2 : 0
-        border.color: card.theme.link
+        border.color: Theme.link
     }
     MouseArea {
         id: area

@@ -1,15 +1,16 @@
 import QtQuick
+import Kestro.Controls
+import Kestro.RichText
 
 // The small rounded box of a task item, ticked when done.
 Rectangle {
-    required property var theme
     property bool done: false
     width: 14
     height: 14
     radius: 4
-    color: done ? theme.link : "transparent"
+    color: done ? Theme.link : "transparent"
     border.width: done ? 0 : 1.5
-    border.color: theme.muted
+    border.color: Theme.muted
     Accessible.role: Accessible.CheckBox
     Accessible.name: done ? "Done" : "Not done"
     Accessible.checked: done

@@ -1,24 +1,23 @@
 import QtQuick
 import QtQuick.Controls.Basic
 import QtQuick.Layouts
+import Kestro.Controls
 import Kestro.Shell
 
 // The signed-in window: sidebar, header and the page.
 Rectangle {
     id: frame
-    property AppTheme theme
     signal quitRequested()
     objectName: "frame"
-    color: theme.page
+    color: Theme.page
 
-    readonly property string title: WebViews.title.length > 0 && pages.showsWebPage ? WebViews.title : pages.page.title
+    readonly property string title: WebViews.title.length > 0 && pages.showsWebPage ? WebViews.title : pages.pageTitle
 
     RowLayout {
         anchors.fill: parent
         spacing: 0
         Sidebar {
             id: sidebar
-            theme: frame.theme
             Layout.fillHeight: true
             Layout.preferredWidth: implicitWidth
             onOpenMenu: anchor => menu.popup(anchor, 0, anchor.height + 4)
@@ -29,7 +28,6 @@ Rectangle {
             spacing: 0
             Header {
                 Layout.fillWidth: true
-                theme: frame.theme
                 title: frame.title
                 loading: pages.loading
             }
@@ -39,23 +37,21 @@ Rectangle {
                 Layout.margins: 10
                 text: App.switchError
                 wrapMode: Text.WordWrap
-                font.family: frame.theme.sans
+                font.family: Theme.sans
                 font.pixelSize: 13
-                color: frame.theme.danger
+                color: Theme.danger
             }
             PageHost {
                 id: pages
                 Layout.fillWidth: true
                 Layout.fillHeight: true
-                theme: frame.theme
             }
         }
     }
 
     AppMenu {
         id: menu
-        theme: frame.theme
         onQuitRequested: frame.quitRequested()
     }
-    PalettePopup { theme: frame.theme }
+    PalettePopup {}
 }

@@ -1,13 +1,13 @@
 import QtQuick
 import QtQml
 import QtQuick.Controls.Basic
+import Kestro.Controls
 import Kestro.Shell
 
 // The workspace menu: the workspaces to switch to, the app's commands with
 // their chords, appearance, sign-out and quit.
 Menu {
     id: root
-    property AppTheme theme
     objectName: "appMenu"
     signal quitRequested()
     width: 300
@@ -15,7 +15,7 @@ Menu {
     bottomPadding: 6
     leftPadding: 6
     rightPadding: 6
-    delegate: MenuRow { theme: root.theme }
+    delegate: MenuRow {}
     background: Panel {}
 
     // Each menu needs a background of its own: an item shared between
@@ -23,8 +23,8 @@ Menu {
     component Panel: Rectangle {
         implicitWidth: 300
         radius: 10
-        color: root.theme.raised
-        border.color: root.theme.border
+        color: Theme.raised
+        border.color: Theme.border
     }
 
     component Heading: MenuItem {
@@ -33,15 +33,15 @@ Menu {
         contentItem: Text {
             leftPadding: 2
             text: parent.text
-            font.family: root.theme.sans
+            font.family: Theme.sans
             font.pixelSize: 11
             font.weight: Font.Medium
-            color: root.theme.muted
+            color: Theme.muted
         }
         background: null
     }
     component Line: MenuSeparator {
-        contentItem: Rectangle { implicitHeight: 1; color: root.theme.border }
+        contentItem: Rectangle { implicitHeight: 1; color: Theme.border }
     }
 
     Heading { text: "Workspaces" }
@@ -49,7 +49,6 @@ Menu {
         model: App.frame.workspaces || []
         delegate: MenuRow {
             required property var modelData
-            theme: root.theme
             text: modelData.name + (modelData.role === "owner" || modelData.role === "admin" || modelData.role === "member" ? "" : "  (" + modelData.role + ")")
             checkable: false
             checked: modelData.current
@@ -61,44 +60,42 @@ Menu {
         onObjectRemoved: (index, object) => root.removeItem(object)
     }
     Line {}
-    MenuRow { theme: root.theme; text: "Search"; glyph: "search"; chord: "Ctrl+K"; onTriggered: Shell.paletteOpen = true }
-    MenuRow { theme: root.theme; text: "Back"; glyph: "chevron-left"; chord: "Ctrl+["; enabled: App.router.canGoBack; onTriggered: App.router.goBack() }
-    MenuRow { theme: root.theme; text: "Forward"; glyph: "chevron-right"; chord: "Ctrl+]"; enabled: App.router.canGoForward; onTriggered: App.router.goForward() }
+    MenuRow { text: "Search"; glyph: "search"; chord: "Ctrl+K"; onTriggered: Shell.paletteOpen = true }
+    MenuRow { text: "Back"; glyph: "chevron-left"; chord: "Ctrl+["; enabled: App.router.canGoBack; onTriggered: App.router.goBack() }
+    MenuRow { text: "Forward"; glyph: "chevron-right"; chord: "Ctrl+]"; enabled: App.router.canGoForward; onTriggered: App.router.goForward() }
     MenuRow {
-        theme: root.theme
         text: Shell.sidebarCollapsed ? "Expand sidebar" : "Collapse sidebar"
         glyph: "panel-left"
         chord: "Ctrl+Shift+S"
         onTriggered: Shell.toggleSidebar()
     }
     Line {}
-    MenuRow { theme: root.theme; text: "Home"; glyph: "house"; chord: "Ctrl+Shift+1"; onTriggered: App.router.open("/activity") }
-    MenuRow { theme: root.theme; text: "Needs you"; glyph: "hand"; chord: "Ctrl+Shift+2"; onTriggered: App.router.open("/activity?view=you") }
-    MenuRow { theme: root.theme; text: "Tasks"; glyph: "list-checks"; chord: "Ctrl+Shift+3"; onTriggered: App.router.open("/tasks") }
-    MenuRow { theme: root.theme; text: "Kest chat"; glyph: "messages-square"; chord: "Ctrl+Shift+4"; onTriggered: App.router.open("/kest") }
-    MenuRow { theme: root.theme; text: "Settings"; glyph: "settings"; chord: "Ctrl+,"; onTriggered: App.router.open("/settings") }
+    MenuRow { text: "Home"; glyph: "house"; chord: "Ctrl+Shift+1"; onTriggered: App.router.open("/activity") }
+    MenuRow { text: "Needs you"; glyph: "hand"; chord: "Ctrl+Shift+2"; onTriggered: App.router.open("/activity?view=you") }
+    MenuRow { text: "Tasks"; glyph: "list-checks"; chord: "Ctrl+Shift+3"; onTriggered: App.router.open("/tasks") }
+    MenuRow { text: "Kest chat"; glyph: "messages-square"; chord: "Ctrl+Shift+4"; onTriggered: App.router.open("/kest") }
+    MenuRow { text: "Settings"; glyph: "settings"; chord: "Ctrl+,"; onTriggered: App.router.open("/settings") }
     Line {}
     Menu {
         id: appearance
         title: "Appearance"
-        delegate: MenuRow { theme: root.theme }
+        delegate: MenuRow {}
         background: Panel {}
         topPadding: 6; bottomPadding: 6; leftPadding: 6; rightPadding: 6
-        MenuRow { theme: root.theme; text: "Match the desktop"; checked: Appearance.mode === "system"; onTriggered: Appearance.mode = "system" }
-        MenuRow { theme: root.theme; text: "Light"; checked: Appearance.mode === "light"; onTriggered: Appearance.mode = "light" }
-        MenuRow { theme: root.theme; text: "Dark"; checked: Appearance.mode === "dark"; onTriggered: Appearance.mode = "dark" }
+        MenuRow { text: "Match the desktop"; checked: Appearance.mode === "system"; onTriggered: Appearance.mode = "system" }
+        MenuRow { text: "Light"; checked: Appearance.mode === "light"; onTriggered: Appearance.mode = "light" }
+        MenuRow { text: "Dark"; checked: Appearance.mode === "dark"; onTriggered: Appearance.mode = "dark" }
         Line {}
         Menu {
             id: lightShades
             title: "Light shade"
-            delegate: MenuRow { theme: root.theme }
+            delegate: MenuRow {}
             background: Panel {}
             topPadding: 6; bottomPadding: 6; leftPadding: 6; rightPadding: 6
             Instantiator {
                 model: Appearance.lightShades
                 delegate: MenuRow {
                     required property string modelData
-                    theme: root.theme
                     text: modelData.charAt(0).toUpperCase() + modelData.slice(1)
                     checked: Appearance.lightShade === modelData
                     onTriggered: Appearance.lightShade = modelData
@@ -110,14 +107,13 @@ Menu {
         Menu {
             id: darkShades
             title: "Dark shade"
-            delegate: MenuRow { theme: root.theme }
+            delegate: MenuRow {}
             background: Panel {}
             topPadding: 6; bottomPadding: 6; leftPadding: 6; rightPadding: 6
             Instantiator {
                 model: Appearance.darkShades
                 delegate: MenuRow {
                     required property string modelData
-                    theme: root.theme
                     text: modelData.charAt(0).toUpperCase() + modelData.slice(1)
                     checked: Appearance.darkShade === modelData
                     onTriggered: Appearance.darkShade = modelData
@@ -128,6 +124,6 @@ Menu {
         }
     }
     Line {}
-    MenuRow { objectName: "signOutItem"; theme: root.theme; text: "Sign Out"; glyph: "log-out"; onTriggered: App.signOut() }
-    MenuRow { theme: root.theme; text: "Quit Kestro"; glyph: "x"; chord: "Ctrl+Q"; onTriggered: root.quitRequested() }
+    MenuRow { objectName: "signOutItem"; text: "Sign Out"; glyph: "log-out"; onTriggered: App.signOut() }
+    MenuRow { text: "Quit Kestro"; glyph: "x"; chord: "Ctrl+Q"; onTriggered: root.quitRequested() }
 }

@@ -2,14 +2,13 @@ import QtQuick
 import QtQuick.Controls
 import QtQuick.Controls.Basic
 import QtQuick.Layouts
-import QtWebEngine
+import Kestro.Controls
 import Kestro.Shell
 
 // The sign-in sheet: the service's sign-in page on the app's own profile.
 // It closes by itself when the service sends the user back to Kestro.
 Popup {
     id: sheet
-    property AppTheme theme
     objectName: "authSheet"
     modal: true
     closePolicy: Popup.CloseOnEscape
@@ -30,11 +29,11 @@ Popup {
         }
     }
 
-    Overlay.modal: Rectangle { color: sheet.theme.scrim }
+    Overlay.modal: Rectangle { color: Theme.scrim }
     background: Rectangle {
         radius: 14
-        color: sheet.theme.raised
-        border.color: sheet.theme.border
+        color: Theme.raised
+        border.color: Theme.border
     }
 
     ColumnLayout {
@@ -44,51 +43,42 @@ Popup {
             Layout.fillWidth: true
             Layout.margins: 10
             Layout.leftMargin: 16
-            Icon { name: "key-round"; size: 16; color: sheet.theme.muted }
+            Icon { name: "key-round"; size: 16; color: Theme.muted }
             Text {
                 Layout.fillWidth: true
                 text: "Sign in to Kestro"
-                font.family: sheet.theme.display
+                font.family: Theme.display
                 font.pixelSize: 15
                 font.weight: Font.Bold
-                color: sheet.theme.text
+                color: Theme.text
             }
             PrimaryButton {
                 objectName: "useBrowserButton"
-                theme: sheet.theme
                 quiet: true
                 implicitHeight: 30
                 text: "Use my browser"
                 onClicked: AuthSession.useBrowser()
             }
             IconButton {
-                theme: sheet.theme
                 glyph: "x"
                 tip: "Cancel sign-in"
                 onClicked: AuthSession.cancel()
             }
         }
-        Rectangle { Layout.fillWidth: true; height: 1; color: sheet.theme.border }
+        Rectangle { Layout.fillWidth: true; height: 1; color: Theme.border }
         Item {
             Layout.fillWidth: true
             Layout.fillHeight: true
             clip: true
-            // The view exists only while the sheet is open: an idle web
+            // The view exists only while the sheet is open, and is loaded
+            // by its address so the web engine starts only then: an idle web
             // view costs memory and CPU.
             Loader {
                 id: viewLoader
                 anchors.fill: parent
                 anchors.bottomMargin: 8
                 active: sheet.visible
-                sourceComponent: WebEngineView {
-                    objectName: "authView"
-                    profile: WebViews.profile
-                    url: AuthSession.address
-                    onNavigationRequested: request => {
-                        if (AuthSession.navigated(request.url))
-                            request.reject()
-                    }
-                }
+                source: "AuthWebView.qml"
             }
             BusyIndicator {
                 anchors.centerIn: parent

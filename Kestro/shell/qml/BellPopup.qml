@@ -1,13 +1,13 @@
 import QtQuick
 import QtQuick.Controls.Basic
 import QtQuick.Layouts
+import Kestro.Controls
 import Kestro.Shell
 
 // The notifications list under the bell: newest first, unread marked; a
 // click opens the item and marks it read.
 Popup {
     id: popup
-    property AppTheme theme
     objectName: "bellPopup"
     width: 380
     height: Math.min(480, list.contentHeight + top.height + 24)
@@ -17,8 +17,8 @@ Popup {
 
     background: Rectangle {
         radius: 12
-        color: popup.theme.raised
-        border.color: popup.theme.border
+        color: Theme.raised
+        border.color: Theme.border
     }
 
     ColumnLayout {
@@ -31,36 +31,34 @@ Popup {
             Text {
                 Layout.fillWidth: true
                 text: "Notifications"
-                font.family: popup.theme.display
+                font.family: Theme.display
                 font.pixelSize: 15
                 font.weight: Font.Bold
-                color: popup.theme.text
+                color: Theme.text
             }
             IconButton {
-                theme: popup.theme
                 glyph: "check-check"
                 tip: "Mark all as read"
                 enabled: Bell.unread > 0
                 onClicked: Bell.markAllRead()
             }
             IconButton {
-                theme: popup.theme
                 glyph: "trash-2"
                 tip: "Clear all"
                 enabled: Bell.items.length > 0
                 onClicked: Bell.clear()
             }
         }
-        Rectangle { Layout.fillWidth: true; height: 1; color: popup.theme.border }
+        Rectangle { Layout.fillWidth: true; height: 1; color: Theme.border }
         Text {
             visible: Bell.error.length > 0
             Layout.fillWidth: true
             Layout.margins: 12
             text: Bell.error
             wrapMode: Text.WordWrap
-            font.family: popup.theme.sans
+            font.family: Theme.sans
             font.pixelSize: 13
-            color: popup.theme.danger
+            color: Theme.danger
         }
         Text {
             visible: Bell.items.length === 0 && !Bell.loading && Bell.error.length === 0
@@ -68,9 +66,9 @@ Popup {
             Layout.margins: 24
             horizontalAlignment: Text.AlignHCenter
             text: "You're all caught up."
-            font.family: popup.theme.sans
+            font.family: Theme.sans
             font.pixelSize: 13
-            color: popup.theme.muted
+            color: Theme.muted
         }
         ListView {
             id: list
@@ -93,7 +91,7 @@ Popup {
                     popup.close()
                     App.router.open(modelData.href)
                 }
-                background: Rectangle { color: row.hovered ? popup.theme.hover : "transparent" }
+                background: Rectangle { color: row.hovered ? Theme.hover : "transparent" }
                 contentItem: RowLayout {
                     id: body
                     spacing: 10
@@ -101,7 +99,6 @@ Popup {
                         Layout.alignment: Qt.AlignTop
                         Layout.leftMargin: 12
                         Layout.topMargin: 10
-                        theme: popup.theme
                         name: row.modelData.by ? row.modelData.by.name : "Kestro"
                         size: 26
                     }
@@ -113,10 +110,10 @@ Popup {
                             Layout.fillWidth: true
                             text: row.modelData.title
                             elide: Text.ElideRight
-                            font.family: popup.theme.sans
+                            font.family: Theme.sans
                             font.pixelSize: 13
                             font.weight: row.modelData.read ? Font.Normal : Font.DemiBold
-                            color: popup.theme.text
+                            color: Theme.text
                         }
                         Text {
                             Layout.fillWidth: true
@@ -124,9 +121,9 @@ Popup {
                             maximumLineCount: 2
                             wrapMode: Text.WordWrap
                             elide: Text.ElideRight
-                            font.family: popup.theme.sans
+                            font.family: Theme.sans
                             font.pixelSize: 12
-                            color: popup.theme.muted
+                            color: Theme.muted
                         }
                     }
                     Rectangle {
@@ -134,7 +131,7 @@ Popup {
                         Layout.topMargin: 16
                         Layout.rightMargin: 14
                         width: 8; height: 8; radius: 4
-                        color: row.modelData.read ? "transparent" : popup.theme.accent
+                        color: row.modelData.read ? "transparent" : Theme.accent
                     }
                 }
             }

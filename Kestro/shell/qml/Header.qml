@@ -1,18 +1,18 @@
 import QtQuick
 import QtQuick.Controls.Basic
 import QtQuick.Layouts
+import Kestro.Controls
 import Kestro.Shell
 
 // Back, Forward, the page's title and the bell.
 Rectangle {
     id: header
-    property AppTheme theme
     property string title
     property bool loading: false
-    color: theme.page
+    color: Theme.page
     implicitHeight: 48
 
-    Rectangle { anchors.bottom: parent.bottom; width: parent.width; height: 1; color: header.theme.border }
+    Rectangle { anchors.bottom: parent.bottom; width: parent.width; height: 1; color: Theme.border }
 
     RowLayout {
         anchors.fill: parent
@@ -20,14 +20,12 @@ Rectangle {
         anchors.rightMargin: 12
         spacing: 2
         IconButton {
-            theme: header.theme
             glyph: Shell.sidebarCollapsed ? "panel-left-open" : "panel-left-close"
             tip: (Shell.sidebarCollapsed ? "Expand sidebar" : "Collapse sidebar") + "  (Ctrl+Shift+S)"
             onClicked: Shell.toggleSidebar()
         }
         IconButton {
             objectName: "backButton"
-            theme: header.theme
             glyph: "chevron-left"
             tip: "Back  (Ctrl+[)"
             enabled: App.router.canGoBack
@@ -35,7 +33,6 @@ Rectangle {
         }
         IconButton {
             objectName: "forwardButton"
-            theme: header.theme
             glyph: "chevron-right"
             tip: "Forward  (Ctrl+])"
             enabled: App.router.canGoForward
@@ -47,10 +44,10 @@ Rectangle {
             Layout.leftMargin: 8
             text: header.title
             elide: Text.ElideRight
-            font.family: header.theme.display
+            font.family: Theme.display
             font.pixelSize: 16
             font.weight: Font.Bold
-            color: header.theme.text
+            color: Theme.text
         }
         BusyIndicator {
             visible: header.loading
@@ -61,7 +58,6 @@ Rectangle {
         IconButton {
             id: bellButton
             objectName: "bellButton"
-            theme: header.theme
             glyph: "bell"
             tip: Bell.unread === 1 ? "1 unread notification" : Bell.unread > 1 ? Bell.unread + " unread notifications" : "Notifications"
             checked: bellPopup.visible
@@ -75,13 +71,13 @@ Rectangle {
                 height: 15
                 width: Math.max(15, count.implicitWidth + 8)
                 radius: 7.5
-                color: header.theme.badge
+                color: Theme.badge
                 Text {
                     id: count
                     anchors.centerIn: parent
                     text: Bell.unread > 99 ? "99+" : Bell.unread
                     color: "white"
-                    font.family: header.theme.sans
+                    font.family: Theme.sans
                     font.pixelSize: 10
                     font.weight: Font.Bold
                 }
@@ -91,7 +87,6 @@ Rectangle {
 
     BellPopup {
         id: bellPopup
-        theme: header.theme
         x: header.width - width - 10
         y: header.height - 2
     }

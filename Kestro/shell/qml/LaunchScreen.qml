@@ -1,18 +1,19 @@
 import QtQuick
 import QtQuick.Controls.Basic
+import Kestro.Controls
+import Kestro.Shell
 
 // While the stored sign-in is read and the workspace loads.
 Rectangle {
     id: screen
-    property AppTheme theme
-    color: theme.ground
+    color: Theme.ground
     Column {
         anchors.centerIn: parent
         spacing: 16
         Rectangle {
             anchors.horizontalCenter: parent.horizontalCenter
             width: 44; height: 44; radius: 13
-            color: screen.theme.accent
+            color: Theme.accent
             Icon { anchors.centerIn: parent; name: "sparkles"; size: 24; color: "white" }
         }
         BusyIndicator {

@@ -1,5 +1,6 @@
 import QtQuick
 import QtQuick.Controls.Basic
+import Kestro.Controls
 import Kestro.Shell
 
 // The main window: the screen for the app's phase, the sign-in sheet, and
@@ -15,15 +16,13 @@ ApplicationWindow {
     title: App.phase === AppModel.SignedIn && frameLoader.item && frameLoader.item.title
            ? frameLoader.item.title + (Bell.unread > 0 ? " (" + Bell.unread + ")" : "") + " · Kestro"
            : "Kestro"
-    color: look.ground
-    font.family: look.sans
+    color: Theme.ground
+    font.family: Theme.sans
 
-    AppTheme {
-        id: look
-        dark: Appearance.dark
-        darkShade: Appearance.darkShade
-        lightShade: Appearance.lightShade
-    }
+    // Every view reads the one palette; it follows the appearance settings.
+    Binding { target: Theme; property: "dark"; value: Appearance.dark }
+    Binding { target: Theme; property: "darkShade"; value: Appearance.darkShade }
+    Binding { target: Theme; property: "lightShade"; value: Appearance.lightShade }
 
     readonly property bool signedIn: App.phase === AppModel.SignedIn
 
@@ -32,24 +31,23 @@ ApplicationWindow {
         anchors.fill: parent
         active: window.signedIn
         sourceComponent: AppFrame {
-            theme: look
             onQuitRequested: Qt.quit()
         }
     }
     Loader {
         anchors.fill: parent
         active: App.phase === AppModel.SignedOut
-        sourceComponent: SignInScreen { theme: look }
+        sourceComponent: SignInScreen {}
     }
     Loader {
         anchors.fill: parent
         active: App.phase === AppModel.Launching
         sourceComponent: App.frameError.length > 0 ? failure : launching
-        Component { id: failure; FailureScreen { theme: look } }
-        Component { id: launching; LaunchScreen { theme: look } }
+        Component { id: failure; FailureScreen {} }
+        Component { id: launching; LaunchScreen {} }
     }
 
-    AuthSheet { theme: look }
+    AuthSheet {}
 
     // The menu commands. Shift+digit arrives as the shifted character on
     // most layouts, so both spellings are listened for.

@@ -1,4 +1,5 @@
 import QtQuick
+import Kestro.Controls
 import Kestro.Shell
 
 // An in-app path with no page behind it.

@@ -2,13 +2,13 @@ import QtQuick
 import QtQuick.Controls
 import QtQuick.Controls.Basic
 import QtQuick.Layouts
+import Kestro.Controls
 import Kestro.Shell
 
 // The command palette (Ctrl+K): type to filter pages, teammates, tasks and
 // projects; arrows choose, Enter opens through the router, Escape closes.
 Popup {
     id: popup
-    property AppTheme theme
     objectName: "palette"
     modal: true
     focus: true
@@ -29,11 +29,11 @@ Popup {
     onOpened: { field.text = ""; results.currentIndex = 0; field.forceActiveFocus() }
     onClosed: { Shell.paletteOpen = false; Commands.reset() }
 
-    Overlay.modal: Rectangle { color: popup.theme.scrim }
+    Overlay.modal: Rectangle { color: Theme.scrim }
     background: Rectangle {
         radius: 14
-        color: popup.theme.raised
-        border.color: popup.theme.border
+        color: Theme.raised
+        border.color: Theme.border
     }
 
     function choose(index) {
@@ -51,15 +51,15 @@ Popup {
             Layout.fillWidth: true
             Layout.margins: 14
             spacing: 10
-            Icon { name: "search"; size: 18; color: popup.theme.muted }
+            Icon { name: "search"; size: 18; color: Theme.muted }
             TextField {
                 id: field
                 objectName: "paletteField"
                 Layout.fillWidth: true
                 placeholderText: "Search pages, teammates, tasks and projects"
-                placeholderTextColor: popup.theme.muted
-                color: popup.theme.text
-                font.family: popup.theme.sans
+                placeholderTextColor: Theme.muted
+                color: Theme.text
+                font.family: Theme.sans
                 font.pixelSize: 16
                 background: null
                 onTextChanged: { Commands.query = text; results.currentIndex = 0 }
@@ -71,7 +71,7 @@ Popup {
             }
             BusyIndicator { visible: Commands.searching; running: visible; implicitWidth: 18; implicitHeight: 18 }
         }
-        Rectangle { Layout.fillWidth: true; height: 1; color: popup.theme.border }
+        Rectangle { Layout.fillWidth: true; height: 1; color: Theme.border }
         Text {
             visible: results.count === 0
             Layout.fillWidth: true
@@ -79,9 +79,9 @@ Popup {
             horizontalAlignment: Text.AlignHCenter
             text: Commands.searching ? "Searching…" : (Commands.error.length > 0 ? Commands.error : "Nothing matches \u201c" + field.text + "\u201d.")
             wrapMode: Text.WordWrap
-            font.family: popup.theme.sans
+            font.family: Theme.sans
             font.pixelSize: 13
-            color: popup.theme.muted
+            color: Theme.muted
         }
         ListView {
             id: results
@@ -105,33 +105,33 @@ Popup {
                 onHoveredChanged: if (hovered) results.currentIndex = index
                 background: Rectangle {
                     radius: 8
-                    color: row.ListView.isCurrentItem ? popup.theme.selected : "transparent"
+                    color: row.ListView.isCurrentItem ? Theme.selected : "transparent"
                 }
                 contentItem: RowLayout {
                     spacing: 10
-                    Icon { Layout.leftMargin: 10; name: row.modelData.icon; size: 16; color: popup.theme.muted }
+                    Icon { Layout.leftMargin: 10; name: row.modelData.icon; size: 16; color: Theme.muted }
                     Text {
                         text: row.modelData.title
                         elide: Text.ElideRight
                         Layout.maximumWidth: row.width * 0.6
-                        font.family: popup.theme.sans
+                        font.family: Theme.sans
                         font.pixelSize: 14
-                        color: popup.theme.text
+                        color: Theme.text
                     }
                     Text {
                         Layout.fillWidth: true
                         text: row.modelData.subtitle
                         elide: Text.ElideRight
-                        font.family: popup.theme.sans
+                        font.family: Theme.sans
                         font.pixelSize: 12
-                        color: popup.theme.muted
+                        color: Theme.muted
                     }
                     Text {
                         Layout.rightMargin: 10
                         text: row.modelData.kind
-                        font.family: popup.theme.sans
+                        font.family: Theme.sans
                         font.pixelSize: 11
-                        color: popup.theme.muted
+                        color: Theme.muted
                     }
                 }
             }

@@ -1,23 +1,23 @@
 import QtQuick
 import QtQuick.Controls.Basic
 import QtQuick.Layouts
+import Kestro.Controls
 import Kestro.Shell
 
 // The workspace menu, search, the product areas and the kest's teammates
 // with their status. Collapses to icons.
 Rectangle {
     id: sidebar
-    property AppTheme theme
     readonly property bool collapsed: Shell.sidebarCollapsed
     readonly property var frame: App.frame
     readonly property string path: App.router.route.path
     readonly property var query: App.router.route.query
     signal openMenu(Item anchor)
-    color: theme.sidebar
+    color: Theme.sidebar
     implicitWidth: collapsed ? 56 : 236
     Behavior on implicitWidth { NumberAnimation { duration: 140; easing.type: Easing.OutCubic } }
 
-    Rectangle { anchors.right: parent.right; width: 1; height: parent.height; color: sidebar.theme.border }
+    Rectangle { anchors.right: parent.right; width: 1; height: parent.height; color: Theme.border }
 
     function isCurrent(place) {
         var q = place.indexOf("?")
@@ -47,19 +47,19 @@ Rectangle {
             onClicked: sidebar.openMenu(workspaceButton)
             background: Rectangle {
                 radius: 8
-                color: workspaceButton.down ? sidebar.theme.selected : (workspaceButton.hovered ? sidebar.theme.hover : "transparent")
+                color: workspaceButton.down ? Theme.selected : (workspaceButton.hovered ? Theme.hover : "transparent")
             }
             contentItem: RowLayout {
                 spacing: 9
                 Rectangle {
                     Layout.leftMargin: sidebar.collapsed ? 4 : 6
                     width: 26; height: 26; radius: 7
-                    color: sidebar.theme.accent
+                    color: Theme.accent
                     Text {
                         anchors.centerIn: parent
                         text: (sidebar.frame.workspace ? sidebar.frame.workspace.name : "K").charAt(0)
                         color: "white"
-                        font.family: sidebar.theme.display
+                        font.family: Theme.display
                         font.weight: Font.Bold
                         font.pixelSize: 13
                     }
@@ -72,18 +72,18 @@ Rectangle {
                         width: parent.width
                         text: sidebar.frame.workspace ? sidebar.frame.workspace.name : ""
                         elide: Text.ElideRight
-                        font.family: sidebar.theme.sans
+                        font.family: Theme.sans
                         font.pixelSize: 13
                         font.weight: Font.DemiBold
-                        color: sidebar.theme.text
+                        color: Theme.text
                     }
                     Text {
                         width: parent.width
                         text: sidebar.frame.user ? sidebar.frame.user.name : ""
                         elide: Text.ElideRight
-                        font.family: sidebar.theme.sans
+                        font.family: Theme.sans
                         font.pixelSize: 11
-                        color: sidebar.theme.muted
+                        color: Theme.muted
                     }
                 }
                 Icon {
@@ -91,7 +91,7 @@ Rectangle {
                     Layout.rightMargin: 6
                     name: "chevrons-up-down"
                     size: 14
-                    color: sidebar.theme.muted
+                    color: Theme.muted
                 }
             }
         }
@@ -99,7 +99,6 @@ Rectangle {
         SidebarItem {
             Layout.fillWidth: true
             Layout.topMargin: 6
-            theme: sidebar.theme
             collapsed: sidebar.collapsed
             glyph: "search"
             label: "Search"
@@ -113,7 +112,6 @@ Rectangle {
             delegate: SidebarItem {
                 required property var modelData
                 Layout.fillWidth: true
-                theme: sidebar.theme
                 collapsed: sidebar.collapsed
                 glyph: modelData.icon
                 label: modelData.title
@@ -143,7 +141,6 @@ Rectangle {
                     delegate: SidebarItem {
                         required property var modelData
                         Layout.fillWidth: true
-                        theme: sidebar.theme
                         collapsed: sidebar.collapsed
                         glyph: modelData.icon
                         label: modelData.title
@@ -165,13 +162,12 @@ Rectangle {
                         onClicked: App.router.open(target)
                         background: Rectangle {
                             radius: 7
-                            color: sidebar.isCurrent(mate.target) ? sidebar.theme.selected : (mate.hovered ? sidebar.theme.hover : "transparent")
+                            color: sidebar.isCurrent(mate.target) ? Theme.selected : (mate.hovered ? Theme.hover : "transparent")
                         }
                         contentItem: RowLayout {
                             spacing: 9
                             Avatar {
                                 Layout.leftMargin: sidebar.collapsed ? 6 : 7
-                                theme: sidebar.theme
                                 name: mate.modelData.name
                                 status: mate.modelData.status
                                 size: 20
@@ -181,17 +177,17 @@ Rectangle {
                                 Layout.fillWidth: true
                                 text: mate.modelData.name + (mate.modelData.lead ? "  ·  lead" : "")
                                 elide: Text.ElideRight
-                                font.family: sidebar.theme.sans
+                                font.family: Theme.sans
                                 font.pixelSize: 13
-                                color: sidebar.theme.text
+                                color: Theme.text
                             }
                             Text {
                                 visible: !sidebar.collapsed && mate.modelData.status === "working"
                                 Layout.rightMargin: 8
                                 text: "working"
-                                font.family: sidebar.theme.sans
+                                font.family: Theme.sans
                                 font.pixelSize: 11
-                                color: sidebar.theme.muted
+                                color: Theme.muted
                             }
                         }
                         ToolTip.visible: sidebar.collapsed && hovered
@@ -203,7 +199,6 @@ Rectangle {
 
         SidebarItem {
             Layout.fillWidth: true
-            theme: sidebar.theme
             collapsed: sidebar.collapsed
             glyph: "settings"
             label: "Settings"
@@ -218,9 +213,9 @@ Rectangle {
         Layout.bottomMargin: 4
         Layout.leftMargin: 10
         visible: !sidebar.collapsed
-        font.family: sidebar.theme.sans
+        font.family: Theme.sans
         font.pixelSize: 11
         font.weight: Font.Medium
-        color: sidebar.theme.muted
+        color: Theme.muted
     }
 }

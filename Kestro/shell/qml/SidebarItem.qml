@@ -1,11 +1,12 @@
 import QtQuick
 import QtQuick.Controls.Basic
+import Kestro.Controls
+import Kestro.Shell
 
 // One row of the sidebar: icon, label, an optional count; only the icon
 // when the sidebar is collapsed.
 AbstractButton {
     id: row
-    property AppTheme theme
     property string glyph
     property string label
     property int count: 0
@@ -19,9 +20,9 @@ AbstractButton {
 
     background: Rectangle {
         radius: 7
-        color: row.current ? row.theme.selected : (row.hovered ? row.theme.hover : "transparent")
+        color: row.current ? Theme.selected : (row.hovered ? Theme.hover : "transparent")
         border.width: row.visualFocus ? 2 : 0
-        border.color: row.theme.accent
+        border.color: Theme.accent
     }
     contentItem: Item {
         Icon {
@@ -30,7 +31,7 @@ AbstractButton {
             anchors.verticalCenter: parent.verticalCenter
             name: row.glyph
             size: 16
-            color: row.current ? row.theme.text : row.theme.muted
+            color: row.current ? Theme.text : Theme.muted
         }
         Text {
             visible: !row.collapsed
@@ -41,10 +42,10 @@ AbstractButton {
             anchors.verticalCenter: parent.verticalCenter
             text: row.label
             elide: Text.ElideRight
-            font.family: row.theme.sans
+            font.family: Theme.sans
             font.pixelSize: 13
             font.weight: row.current ? Font.Medium : Font.Normal
-            color: row.theme.text
+            color: Theme.text
         }
         Text {
             id: badge
@@ -54,9 +55,9 @@ AbstractButton {
             anchors.verticalCenter: parent.verticalCenter
             width: visible ? implicitWidth : 0
             text: row.count
-            font.family: row.theme.sans
+            font.family: Theme.sans
             font.pixelSize: 12
-            color: row.theme.muted
+            color: Theme.muted
         }
     }
     ToolTip.visible: collapsed && hovered

@@ -1,19 +1,19 @@
 import QtQuick
 import QtQuick.Controls.Basic
 import QtQuick.Layouts
+import Kestro.Controls
 import Kestro.Shell
 
 // "Log in to your workspace." with the button that starts the web sign-in;
 // while it runs, what the app waits for; after a failure, why.
 Rectangle {
     id: card
-    property AppTheme theme
     width: 380
     implicitHeight: column.implicitHeight + 64
     height: implicitHeight
     radius: 16
-    color: theme.raised
-    border.color: theme.border
+    color: Theme.raised
+    border.color: Theme.border
 
     ColumnLayout {
         id: column
@@ -26,15 +26,15 @@ Rectangle {
             Layout.alignment: Qt.AlignHCenter
             Rectangle {
                 width: 30; height: 30; radius: 9
-                color: card.theme.accent
+                color: Theme.accent
                 Icon { anchors.centerIn: parent; name: "sparkles"; size: 17; color: "white" }
             }
             Text {
                 text: "Kestro"
-                font.family: card.theme.display
+                font.family: Theme.display
                 font.pixelSize: 24
                 font.weight: Font.Bold
-                color: card.theme.text
+                color: Theme.text
                 anchors.verticalCenter: parent.verticalCenter
             }
         }
@@ -43,14 +43,13 @@ Rectangle {
             text: "Log in to your workspace."
             horizontalAlignment: Text.AlignHCenter
             wrapMode: Text.WordWrap
-            font.family: card.theme.sans
+            font.family: Theme.sans
             font.pixelSize: 15
-            color: card.theme.muted
+            color: Theme.muted
         }
         PrimaryButton {
             id: signIn
             objectName: "signInButton"
-            theme: card.theme
             Layout.fillWidth: true
             Layout.topMargin: 6
             text: App.signingIn ? "Waiting for the browser" : "Log in"
@@ -67,12 +66,11 @@ Rectangle {
                 Layout.fillWidth: true
                 text: "Finish signing in in your browser; Kestro opens again by itself."
                 wrapMode: Text.WordWrap
-                font.family: card.theme.sans
+                font.family: Theme.sans
                 font.pixelSize: 13
-                color: card.theme.muted
+                color: Theme.muted
             }
             PrimaryButton {
-                theme: card.theme
                 quiet: true
                 text: "Cancel"
                 onClicked: AuthSession.cancel()
@@ -85,9 +83,9 @@ Rectangle {
             text: App.signInError
             wrapMode: Text.WordWrap
             horizontalAlignment: Text.AlignHCenter
-            font.family: card.theme.sans
+            font.family: Theme.sans
             font.pixelSize: 13
-            color: card.theme.danger
+            color: Theme.danger
         }
     }
 }

@@ -2,6 +2,7 @@ import QtQuick
 import QtQuick.Controls.Basic
 import QtWebEngine
 import QtWebChannel
+import Kestro.Controls
 import Kestro.Shell
 
 // One of the service's own pages in the embedded view. Links inside the
@@ -9,7 +10,6 @@ import Kestro.Shell
 // come back over the "kestro" channel. The view follows the app's theme.
 Item {
     id: page
-    property AppTheme theme
     property string path
     property bool retried: false
     property string failure: ""
@@ -105,19 +105,17 @@ Item {
         height: 2
         width: parent.width * view.loadProgress / 100
         visible: view.loading
-        color: page.theme.accent
+        color: Theme.accent
     }
 
     PageFailure {
         anchors.fill: parent
         visible: page.failure.length > 0
-        theme: page.theme
         message: page.failure
         onRetry: page.show()
     }
     MissingPage {
         anchors.fill: parent
         visible: page.missing
-        theme: page.theme
     }
 }

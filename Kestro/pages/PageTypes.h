@@ -1,0 +1,33 @@
+#pragma once
+
+// The page framework's types as the pages' QML names them: the loader (for
+// its states) and the keyed lists.
+
+#include "shell/KeyedListModel.h"
+#include "shell/Loaded.h"
+#include "shell/PageModel.h"
+
+#include <QtQml/qqml.h>
+
+namespace Kestro::PageTypes {
+
+struct LoadedType {
+    Q_GADGET
+    QML_FOREIGN(Kestro::Loaded)
+    QML_NAMED_ELEMENT(Loaded)
+    QML_UNCREATABLE("A page model makes its loader.")
+};
+struct KeyedListModelType {
+    Q_GADGET
+    QML_FOREIGN(Kestro::KeyedListModel)
+    QML_NAMED_ELEMENT(KeyedListModel)
+    QML_UNCREATABLE("A page model makes its lists.")
+};
+struct PageModelType {
+    Q_GADGET
+    QML_FOREIGN(Kestro::PageModel)
+    QML_NAMED_ELEMENT(PageModel)
+    QML_UNCREATABLE("Each page has its own model.")
+};
+
+} // namespace Kestro::PageTypes
