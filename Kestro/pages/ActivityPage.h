@@ -23,7 +23,7 @@ struct ActivityAnswer {
 // waits for the user, the teammates at work, and the kest's day.
 class ActivityPage : public PageModel {
     Q_OBJECT
-    QML_ELEMENT
+    QML_NAMED_ELEMENT(ActivityModel)
     Q_PROPERTY(bool needsYou READ needsYou NOTIFY routeChanged)
     Q_PROPERTY(QString greeting READ greeting NOTIFY answered)
     Q_PROPERTY(QString summary READ summary NOTIFY answered)

@@ -22,13 +22,14 @@ ColumnLayout {
     Repeater {
         model: bones.rows
         RowLayout {
+            id: bone
             required property int index
             spacing: 12
             Rectangle { Layout.preferredWidth: 26; Layout.preferredHeight: 26; radius: 13; color: Theme.bone }
             ColumnLayout {
                 spacing: 6
-                Rectangle { Layout.preferredWidth: 220 + (parent.parent.index % 3) * 60; Layout.preferredHeight: 12; radius: 4; color: Theme.bone }
-                Rectangle { Layout.preferredWidth: 140 + (parent.parent.index % 2) * 90; Layout.preferredHeight: 10; radius: 4; color: Theme.bone }
+                Rectangle { Layout.preferredWidth: 220 + (bone.index % 3) * 60; Layout.preferredHeight: 12; radius: 4; color: Theme.bone }
+                Rectangle { Layout.preferredWidth: 140 + (bone.index % 2) * 90; Layout.preferredHeight: 10; radius: 4; color: Theme.bone }
             }
         }
     }

@@ -15,7 +15,7 @@ Item {
     readonly property bool loading: activity.loader.loading
     objectName: "activityPage"
 
-    ActivityPage {
+    ActivityModel {
         id: activity
         Component.onCompleted: start()
     }
