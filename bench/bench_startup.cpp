@@ -122,7 +122,7 @@ int main(int argc, char** argv)
                         << "  bare window " << bareTime << " ms, " << bareRss << " MB resident\n"
                         << "  start ratio " << appTime / bareTime << "x (goal at most 2x)\n"
                         << "  memory      +" << appRss - bareRss << " MB (goal at most +60 MB)\n"
-                        << "Kestro's first page (a web page) loaded: " << median(settledTimes) << " ms, "
+                        << "Kestro's first page loaded: " << median(settledTimes) << " ms, "
                         << median(settledMemory) << " MB resident in the app's own process\n";
     return 0;
 }

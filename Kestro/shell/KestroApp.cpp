@@ -164,9 +164,7 @@ void KestroApp::exitWhenReady()
             Qt::SingleShotConnection);
         window()->update();
     });
-    connect(m_webViews.get(), &WebViews::titleChanged, this, [this] {
-        if (m_webViews->title().isEmpty())
-            return;
+    connect(m_shell.get(), &ShellState::pageShown, this, [] {
         QTextStream(stdout) << "settled " << residentKilobytes() << Qt::endl;
         QCoreApplication::quit();
     });

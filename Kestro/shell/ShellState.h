@@ -24,8 +24,12 @@ public:
     void setPaletteOpen(bool open);
 
     Q_INVOKABLE void toggleSidebar() { setSidebarCollapsed(!m_sidebarCollapsed); }
+    // The page host says a page finished loading (its first answer shown,
+    // or its web page loaded); the start-up benchmark waits for it.
+    Q_INVOKABLE void notePageShown() { emit pageShown(); }
 
 signals:
+    void pageShown();
     void sidebarCollapsedChanged();
     void paletteOpenChanged();
 

@@ -28,6 +28,7 @@ Item {
         else
             current.setSource("MissingPage.qml", {})
     }
+    onLoadingChanged: if (!loading && current.item) Shell.notePageShown()
     onPageChanged: {
         if (page.identity !== current.identity) {
             current.identity = page.identity
