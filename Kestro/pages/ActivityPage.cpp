@@ -20,39 +20,42 @@ QString plural(qint64 n, const char* one, const char* many)
                   : QStringLiteral("%1 %2").arg(n).arg(QLatin1String(many));
 }
 
+// How each kind of row is named and drawn; an unknown kind reads as the
+// neutral last row of its table.
+struct KindLook {
+    const char* kind;
+    const char* label;
+    const char* icon;
+};
+const KindLook waitingKinds[] = {{"approval", "Approval", "key-round"},
+                                 {"ask", "Question", "hand"},
+                                 {"draft", "Draft", "file-text"},
+                                 {"review", "Review", "check-check"},
+                                 {nullptr, "For you", "hand"}};
+const KindLook activityKinds[] = {{"failed", nullptr, "circle-x"},
+                                  {"task", nullptr, "list-checks"},
+                                  {"message", nullptr, "messages-square"},
+                                  {nullptr, nullptr, "check"}};
+
+template <size_t N> const KindLook& lookOf(const KindLook (&table)[N], const QString& kind)
+{
+    for (const KindLook& look : table)
+        if (!look.kind || kind == QLatin1String(look.kind))
+            return look;
+    return table[N - 1];
+}
+
 QString waitingKindLabel(const QString& kind)
 {
-    if (kind == QLatin1String("approval"))
-        return QStringLiteral("Approval");
-    if (kind == QLatin1String("ask"))
-        return QStringLiteral("Question");
-    if (kind == QLatin1String("draft"))
-        return QStringLiteral("Draft");
-    if (kind == QLatin1String("review"))
-        return QStringLiteral("Review");
-    return QStringLiteral("For you");
+    return QString::fromLatin1(lookOf(waitingKinds, kind).label);
 }
-
 QString waitingIcon(const QString& kind)
 {
-    if (kind == QLatin1String("approval"))
-        return QStringLiteral("key-round");
-    if (kind == QLatin1String("draft"))
-        return QStringLiteral("file-text");
-    if (kind == QLatin1String("review"))
-        return QStringLiteral("check-check");
-    return QStringLiteral("hand");
+    return QString::fromLatin1(lookOf(waitingKinds, kind).icon);
 }
-
 QString activityIcon(const QString& kind)
 {
-    if (kind == QLatin1String("failed"))
-        return QStringLiteral("circle-x");
-    if (kind == QLatin1String("task"))
-        return QStringLiteral("list-checks");
-    if (kind == QLatin1String("message"))
-        return QStringLiteral("messages-square");
-    return QStringLiteral("check");
+    return QString::fromLatin1(lookOf(activityKinds, kind).icon);
 }
 
 } // namespace
