@@ -74,7 +74,7 @@ ActivityPage::ActivityPage(QObject* parent, Timers& timers)
             [](const WaitingResultItem& r) { return QVariant(r.by.type == QLatin1String("agent")); }},
            {"taskKey", [](const WaitingResultItem& r) { return QVariant(r.task ? r.task->key : QString()); }},
            {"href", [](const WaitingResultItem& r) { return QVariant(r.href); }},
-           {"when", [](const WaitingResultItem& r) { return QVariant(relativeTime(r.at)); }}},
+           {"when", [](const WaitingResultItem& r) { return QVariant(relativeTime(r.at)); }, true}},
           this)),
       m_running(new KeyedList<ActivityResultRunning>(
           [](const ActivityResultRunning& r) { return r.id; },
@@ -84,7 +84,7 @@ ActivityPage::ActivityPage(QObject* parent, Timers& timers)
            {"title", [](const ActivityResultRunning& r) { return QVariant(r.title); }},
            {"doing", [](const ActivityResultRunning& r) { return QVariant(r.doing.value_or(QString())); }},
            {"href", [](const ActivityResultRunning& r) { return QVariant(r.href); }},
-           {"since", [](const ActivityResultRunning& r) { return QVariant(relativeTime(r.startedAt)); }}},
+           {"since", [](const ActivityResultRunning& r) { return QVariant(relativeTime(r.startedAt)); }, true}},
           this)),
       m_today(new KeyedList<ActivityResultItem>(
           [](const ActivityResultItem& r) { return r.id; },
@@ -97,7 +97,7 @@ ActivityPage::ActivityPage(QObject* parent, Timers& timers)
            {"title", [](const ActivityResultItem& r) { return QVariant(r.title); }},
            {"text", [](const ActivityResultItem& r) { return QVariant(r.text.value_or(QString())); }},
            {"href", [](const ActivityResultItem& r) { return QVariant(r.href); }},
-           {"when", [](const ActivityResultItem& r) { return QVariant(relativeTime(r.at)); }}},
+           {"when", [](const ActivityResultItem& r) { return QVariant(relativeTime(r.at)); }, true}},
           this)),
       m_kest(new KeyedList<HomeResultKest>(
           [](const HomeResultKest& r) { return r.handle; },

@@ -1,10 +1,24 @@
 #include "KeyedListModel.h"
 
+#include "RelativeTime.h"
+
 namespace Kestro {
 
 KeyedListModel::KeyedListModel(const QList<QByteArray>& roles, QObject* parent)
     : QAbstractListModel(parent), m_roleNames(roles)
 {
+}
+
+void KeyedListModel::setClockRoles(const QList<int>& roles)
+{
+    if (roles.isEmpty())
+        return;
+    for (int role : roles)
+        m_clockRoles.append(qtRole(role));
+    connect(&MinuteClock::instance(), &MinuteClock::moved, this, [this] {
+        if (count() > 0)
+            emit dataChanged(index(0), index(count() - 1), m_clockRoles);
+    });
 }
 
 int KeyedListModel::rowCount(const QModelIndex& parent) const

@@ -48,12 +48,16 @@ protected:
     // The value of role `role` (0 = the first named role) of row `row`.
     virtual QVariant roleValue(qsizetype row, int role) const = 0;
     int roleCount() const { return int(m_roleNames.size()); }
+    // Roles whose value depends on the time of day ("4 min ago"): views
+    // read them again every minute, whether or not a reload came.
+    void setClockRoles(const QList<int>& roles);
     static int qtRole(int role) { return Qt::UserRole + 2 + role; }
 
     QList<QString> m_keys;
 
 private:
     QList<QByteArray> m_roleNames;
+    QList<int> m_clockRoles;
 };
 
 template <typename Record> class KeyedList : public KeyedListModel {
@@ -61,12 +65,19 @@ public:
     struct Role {
         QByteArray name;
         std::function<QVariant(const Record&)> value;
+        // The value moves with the clock (a relative time).
+        bool clock = false;
     };
     using Key = std::function<QString(const Record&)>;
 
     KeyedList(Key key, QList<Role> roles, QObject* parent = nullptr)
         : KeyedListModel(namesOf(roles), parent), m_key(std::move(key)), m_roles(std::move(roles))
     {
+        QList<int> clockRoles;
+        for (int role = 0; role < roleCount(); ++role)
+            if (m_roles[role].clock)
+                clockRoles.append(role);
+        setClockRoles(clockRoles);
     }
 
     const QList<Record>& records() const { return m_rows; }

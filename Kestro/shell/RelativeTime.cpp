@@ -25,4 +25,18 @@ QString relativeTime(const QString& iso, const QDateTime& now)
     return QLocale::system().toString(at.toLocalTime().date(), QLocale::ShortFormat);
 }
 
+MinuteClock::MinuteClock()
+{
+    m_timer.setInterval(60 * 1000);
+    m_timer.setTimerType(Qt::VeryCoarseTimer);
+    connect(&m_timer, &QTimer::timeout, this, &MinuteClock::moved);
+    m_timer.start();
+}
+
+MinuteClock& MinuteClock::instance()
+{
+    static MinuteClock clock;
+    return clock;
+}
+
 } // namespace Kestro

@@ -1,6 +1,8 @@
 #pragma once
 
 #include <QDateTime>
+#include <QObject>
+#include <QTimer>
 #include <QString>
 
 namespace Kestro {
@@ -9,5 +11,21 @@ namespace Kestro {
 // "4 min ago", "2 h ago", "yesterday", "3 days ago", then the date. A time
 // that does not read gives an empty text.
 QString relativeTime(const QString& iso, const QDateTime& now = QDateTime::currentDateTimeUtc());
+
+// Ticks once a minute, so texts made by relativeTime() can be read again:
+// "just now" becomes "1 min ago" without a reload. One for the app.
+class MinuteClock : public QObject {
+    Q_OBJECT
+
+public:
+    static MinuteClock& instance();
+
+signals:
+    void moved();
+
+private:
+    MinuteClock();
+    QTimer m_timer;
+};
 
 } // namespace Kestro

@@ -3,6 +3,7 @@
 // and a ListView over it keeps its current row and scroll position.
 
 #include "shell/KeyedListModel.h"
+#include "shell/RelativeTime.h"
 
 #include <QQmlComponent>
 #include <QQmlEngine>
@@ -111,6 +112,28 @@ private slots:
         QCOMPARE(list->count(), 2);
         list->apply({});
         QCOMPARE(list->count(), 0);
+    }
+
+    // A relative time is read again each minute although no reload came;
+    // the other roles are not.
+    void readsClockRolesAgainEachMinute()
+    {
+        KeyedList<Item> list([](const Item& item) { return item.id; },
+                             {{"title", [](const Item& item) { return QVariant(item.title); }},
+                              {"when", [](const Item& item) { return QVariant(item.size); }, true}});
+        Spies idle(&list);
+        emit Kestro::MinuteClock::instance().moved();
+        QCOMPARE(idle.total(), 0); // no rows, nothing to say
+
+        list.apply(items(u"abc"_s));
+        Spies spies(&list);
+        emit Kestro::MinuteClock::instance().moved();
+        QCOMPARE(spies.total(), 1);
+        QCOMPARE(spies.changed[0][0].toModelIndex().row(), 0);
+        QCOMPARE(spies.changed[0][1].toModelIndex().row(), 2);
+        const auto roles = spies.changed[0][2].value<QList<int>>();
+        QCOMPARE(roles.size(), 1);
+        QCOMPARE(list.roleNames().value(roles[0]), "when"_ba);
     }
 
     void reachesAnyOrder_data()
