@@ -1,16 +1,23 @@
 #pragma once
 
-// The page framework's types as the pages' QML names them: the loader (for
-// its states) and the keyed lists.
+// The page framework's types as the pages' QML names them: the route a page
+// is handed, the loader (for its states) and the keyed lists.
 
 #include "shell/KeyedListModel.h"
 #include "shell/Loaded.h"
 #include "shell/PageModel.h"
+#include "shell/Route.h"
 
 #include <QtQml/qqml.h>
 
 namespace Kestro::PageTypes {
 
+// A value, as the router hands it out: `route.path`, `route.query.view`.
+struct RouteType {
+    Q_GADGET
+    QML_FOREIGN(Kestro::Route)
+    QML_VALUE_TYPE(route)
+};
 struct LoadedType {
     Q_GADGET
     QML_FOREIGN(Kestro::Loaded)
