@@ -13,6 +13,7 @@
 #include "SingleInstance.h"
 #include "Visibility.h"
 #include "WebAuthSession.h"
+#include "WebEngine.h"
 #include "WebViews.h"
 
 #include "richtext/RichTextTypes.h"
@@ -28,9 +29,7 @@
 #include <QQuickStyle>
 #include <QQuickWindow>
 #include <QTextStream>
-#include <QWebEngineUrlScheme>
 #include <QtQml/qqmlextensionplugin.h>
-#include <QtWebEngineQuick/qtwebenginequickglobal.h>
 
 // The app's QML modules are static libraries: their plugins are linked in.
 Q_IMPORT_QML_PLUGIN(Kestro_ShellPlugin)
@@ -40,15 +39,11 @@ namespace Kestro {
 
 void KestroApp::prepare()
 {
-    QWebEngineUrlScheme scheme(QByteArrayLiteral("kestro"));
-    scheme.setSyntax(QWebEngineUrlScheme::Syntax::Host);
-    scheme.setFlags(QWebEngineUrlScheme::SecureScheme | QWebEngineUrlScheme::CorsEnabled);
-    QWebEngineUrlScheme::registerScheme(scheme);
     QCoreApplication::setOrganizationName(QStringLiteral("Kestro"));
     QCoreApplication::setApplicationName(QStringLiteral("Kestro"));
     QCoreApplication::setApplicationVersion(QStringLiteral(KESTRO_VERSION));
     QGuiApplication::setDesktopFileName(QStringLiteral("kestro"));
-    QtWebEngineQuick::initialize();
+    WebEngine::prepare();
 }
 
 namespace {
@@ -79,7 +74,12 @@ KestroApp::KestroApp(QObject* parent) : QObject(parent)
 
     AppModel::Desktop desktop;
     WebAuthSession* session = m_authSession.get();
-    desktop.authenticate = [session](QUrl authorize) { return session->authenticate(std::move(authorize)); };
+    desktop.authenticate = [this, session](QUrl authorize) {
+        // The sheet's view needs the engine, which must start before any
+        // view exists (it learns the "kestro" scheme then).
+        m_webViews->start();
+        return session->authenticate(std::move(authorize));
+    };
     desktop.clearWebSession = [this] { m_webViews->clearSession(); };
     m_app = std::make_unique<AppModel>(client, *m_router, std::move(desktop));
     m_webViews = std::make_unique<WebViews>(client.origin(), client.auth(), *m_app, *m_appearance);

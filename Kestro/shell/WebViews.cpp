@@ -2,8 +2,8 @@
 
 #include "AppModel.h"
 #include "Appearance.h"
-#include "CallbackSchemeHandler.h"
 #include "Router.h"
+#include "WebEngine.h"
 #include "WebPolicy.h"
 #include "WebScripts.h"
 
@@ -15,9 +15,8 @@
 #include <QDir>
 #include <QNetworkCookie>
 #include <QQuickItem>
-#include <QQuickWebEngineProfile>
 #include <QStandardPaths>
-#include <QWebEngineCookieStore>
+#include <QTextStream>
 
 namespace Kestro {
 
@@ -29,7 +28,7 @@ static_assert(int(WebViews::Decision::Browser) == int(WebPolicy::Decision::Brows
 
 WebViews::WebViews(QUrl origin, Auth& auth, AppModel& app, Appearance& appearance, QObject* parent)
     : QObject(parent), m_origin(std::move(origin)), m_auth(auth), m_app(app), m_appearance(appearance),
-      m_bridge(WebScripts::bridge()), m_relay(WebScripts::relay())
+      m_bridge(WebScripts::bridge())
 {
     // The session cookie follows the access token; a burst of changes (a
     // refresh, then the keychain write) rewrites it once.
@@ -47,32 +46,30 @@ WebViews::WebViews(QUrl origin, Auth& auth, AppModel& app, Appearance& appearanc
     WebBridge::setViews(this);
 }
 
-QQuickWebEngineProfile* WebViews::profile()
+WebEngine* WebViews::engine()
 {
     // Made on first use: starting the web engine costs a good part of a
     // second and much memory, and a signed-out window or a native page
     // does not need it.
-    if (m_profile)
-        return m_profile;
-    // One persistent profile: the service's pages keep their local storage
-    // and the sign-in sheet shares the user's session with them.
-    m_profile = new QQuickWebEngineProfile(this);
-    m_profile->setStorageName(QStringLiteral("Kestro"));
-    m_profile->setPersistentCookiesPolicy(QQuickWebEngineProfile::AllowPersistentCookies);
-    m_profile->setHttpUserAgent(m_profile->httpUserAgent() + QLatin1Char(' ') +
-                                QString::fromLatin1(clientUserAgent()));
-    auto* scheme = new CallbackSchemeHandler(this);
-    m_profile->installUrlSchemeHandler(QByteArrayLiteral("kestro"), scheme);
-    connect(scheme, &CallbackSchemeHandler::received, this, &WebViews::schemeAddress);
+    if (m_engine || m_engineFailed)
+        return m_engine.get();
+    WebEngine::Hooks hooks;
+    hooks.userAgentSuffix = QString::fromLatin1(clientUserAgent());
+    hooks.schemeAddress = [this](const QUrl& url) { emit schemeAddress(url); };
     // A session cookie the site or the engine dropped is written again.
-    connect(m_profile->cookieStore(), &QWebEngineCookieStore::cookieRemoved, this,
-            [this](const QNetworkCookie& cookie) {
-                if (QString::fromLatin1(cookie.name()) == WebScripts::sessionCookieName(m_origin) &&
-                    m_auth.tokens())
-                    m_refresher.start();
-            });
+    hooks.cookieRemoved = [this](const QByteArray& name) {
+        if (QString::fromLatin1(name) == WebScripts::sessionCookieName(m_origin) && m_auth.tokens())
+            m_refresher.start();
+    };
+    QString error;
+    m_engine = WebEngine::load(std::move(hooks), &error);
+    if (!m_engine) {
+        m_engineFailed = true;
+        QTextStream(stderr) << error << '\n';
+        return nullptr;
+    }
     writeSessionCookie();
-    return m_profile;
+    return m_engine.get();
 }
 
 WebViews::~WebViews()
@@ -82,7 +79,17 @@ WebViews::~WebViews()
 
 QObject* WebViews::profileObject()
 {
-    return profile();
+    WebEngine* web = engine();
+    return web ? web->profile() : nullptr;
+}
+
+QString WebViews::relayScript()
+{
+    // It carries the web channel's own script, a resource of the web
+    // channel library, which is there only once the engine is.
+    if (m_relay.isEmpty() && engine())
+        m_relay = WebScripts::relay();
+    return m_relay;
 }
 
 QString WebViews::storageScript() const
@@ -157,8 +164,8 @@ void WebViews::receive(const QString& json, const QUrl& sender)
 void WebViews::writeSessionCookie()
 {
     const auto tokens = m_auth.tokens();
-    if (!tokens || !m_profile)
-        return; // a profile made later writes it then
+    if (!tokens || !m_engine)
+        return; // an engine started later writes it then
     QNetworkCookie cookie(WebScripts::sessionCookieName(m_origin).toLatin1(), tokens->access.toUtf8());
     // A host-only cookie: "__Host-" requires no domain, the path "/" and,
     // over https, the secure flag.
@@ -168,13 +175,15 @@ void WebViews::writeSessionCookie()
     cookie.setExpirationDate(tokens->expiresAt);
     QUrl at = m_origin;
     at.setPath(QStringLiteral("/"));
-    profile()->cookieStore()->setCookie(cookie, at);
+    m_engine->setCookie(cookie, at);
 }
 
 void WebViews::clearSession()
 {
-    profile()->cookieStore()->deleteAllCookies();
-    profile()->clearHttpCache();
+    // The engine is started for this if need be: the profile on disk keeps
+    // the cookies of earlier runs.
+    if (WebEngine* web = engine())
+        web->clear();
     if (!m_title.isEmpty()) {
         m_title.clear();
         emit titleChanged();

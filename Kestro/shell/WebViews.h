@@ -7,7 +7,8 @@
 #include <QUrl>
 #include <QVariantMap>
 
-class QQuickWebEngineProfile;
+#include <memory>
+
 class QQuickItem;
 
 namespace Kestro {
@@ -15,6 +16,7 @@ namespace Kestro {
 class AppModel;
 class Appearance;
 class Auth;
+class WebEngine;
 
 // The owner of every embedded web page: the one persistent profile (cookies,
 // local storage), the user scripts, the session cookie written from the
@@ -39,11 +41,15 @@ public:
     WebViews(QUrl origin, Auth& auth, AppModel& app, Appearance& appearance, QObject* parent = nullptr);
     ~WebViews() override;
 
-    QQuickWebEngineProfile* profile();
+    // The web engine's profile (a QQuickWebEngineProfile), started on first
+    // use; null when the engine cannot load.
     QObject* profileObject();
+    // Starts the engine ahead of its first view: it must know the "kestro"
+    // scheme before any view exists. False when it cannot load.
+    Q_INVOKABLE bool start() { return engine() != nullptr; }
     QString storageScript() const;
     QString bridgeScript() const { return m_bridge; }
-    QString relayScript() const { return m_relay; }
+    QString relayScript();
     QString title() const { return m_title; }
 
     // The address a service path loads from.
@@ -79,7 +85,9 @@ private:
     Auth& m_auth;
     AppModel& m_app;
     Appearance& m_appearance;
-    QQuickWebEngineProfile* m_profile = nullptr;
+    WebEngine* engine();
+    std::unique_ptr<WebEngine> m_engine;
+    bool m_engineFailed = false;
     QList<QPointer<QQuickItem>> m_live;
     QString m_bridge;
     QString m_relay;

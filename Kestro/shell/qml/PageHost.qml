@@ -1,5 +1,4 @@
 import QtQuick
-import Kestro.Controls
 import Kestro.Shell
 
 // The main area: the page for the router's route, by the route table. One
@@ -13,18 +12,21 @@ Item {
     id: host
     readonly property var route: App.router.route
     readonly property var page: Pages.pageFor(route.text)
-    readonly property bool loading: current.item ? !!current.item.loading : false
+    readonly property bool loading: current.shown ? !!current.shown.loading : false
     // A native page names itself; a failed web load shows our own view, so
     // the title is the route table's, not the web page's.
-    readonly property bool showsWebPage: page.kind === "web" && !!current.item && !current.item.failure
-                                         && !current.item.missing
-    readonly property string pageTitle: current.item && current.item.title ? current.item.title : page.title
+    readonly property bool showsWebPage: page.kind === "web" && !!current.shown && !current.shown.failure
+                                         && !current.shown.missing
+    readonly property string pageTitle: current.shown && current.shown.title ? current.shown.title : page.title
 
     function show() {
         if (page.kind === "native")
             current.setSource(page.component, { router: App.router, route: host.route })
-        else if (page.kind === "web")
+        else if (page.kind === "web") {
+            // The engine must be up before its first view exists.
+            WebViews.start()
             current.setSource("WebPage.qml", { path: host.route.text })
+        }
         else
             current.setSource("MissingPage.qml", {})
     }
@@ -33,12 +35,12 @@ Item {
         if (page.identity !== current.identity) {
             current.identity = page.identity
             show()
-        } else if (current.item) {
+        } else if (current.shown) {
             // Same page, new query: the page takes the route as it is.
             if (page.kind === "native")
-                current.item.route = host.route
+                current.shown.route = host.route
             else if (page.kind === "web")
-                current.item.path = host.route.text
+                current.shown.path = host.route.text
         }
     }
     Component.onCompleted: {
@@ -49,6 +51,9 @@ Item {
     Loader {
         id: current
         property string identity
+        // The page, untyped: pages are loaded by address and differ in type,
+        // so what they share is read off a plain object.
+        readonly property var shown: item
         anchors.fill: parent
         // The frame paints first; a web page's engine starts right after.
         asynchronous: host.page.kind === "web"

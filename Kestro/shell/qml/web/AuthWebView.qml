@@ -1,12 +1,16 @@
 import QtQuick
-import QtWebEngine
+// Qt 6.4's type descriptions for QtWebEngine are faulty (mismatched
+// revisions, unlisted types): the linter's import report is silenced here.
+import QtWebEngine // qmllint disable import
 import Kestro.Shell
 
 // The service's sign-in page inside the sign-in sheet, on the app's own
 // profile; the sheet loads it only while it is open.
 WebEngineView {
     objectName: "authView"
-    profile: WebViews.profile
+    // WebViews hands the profile out as a plain QObject; it is asserted to be
+    // the web engine profile it is.
+    profile: WebViews.profile as WebEngineProfile
     url: AuthSession.address
     onNavigationRequested: request => {
         if (AuthSession.navigated(request.url))
