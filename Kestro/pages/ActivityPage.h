@@ -21,7 +21,7 @@ struct ActivityAnswer {
 
 // Home ("/activity") and Needs you ("/activity?view=you"): a greeting, what
 // waits for the user, the teammates at work, and the kest's day.
-class ActivityPage : public PageModel {
+class ActivityPage : public Kestro::PageModel {
     Q_OBJECT
     QML_NAMED_ELEMENT(ActivityModel)
     Q_PROPERTY(bool needsYou READ needsYou NOTIFY routeChanged)

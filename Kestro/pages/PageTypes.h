@@ -18,6 +18,13 @@ struct RouteType {
     QML_FOREIGN(Kestro::Route)
     QML_VALUE_TYPE(route)
 };
+// The router a page opens its rows through (the app's one, set by the host).
+struct RouterType {
+    Q_GADGET
+    QML_FOREIGN(Kestro::Router)
+    QML_NAMED_ELEMENT(Router)
+    QML_UNCREATABLE("The app has one.")
+};
 struct LoadedType {
     Q_GADGET
     QML_FOREIGN(Kestro::Loaded)

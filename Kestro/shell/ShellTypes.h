@@ -44,18 +44,6 @@ struct AppSingleton {
 public:
     static AppModel* create(QQmlEngine*, QJSEngine*) { return handOver(app()); }
 };
-struct AppModelType {
-    Q_GADGET
-    QML_FOREIGN(Kestro::AppModel)
-    QML_NAMED_ELEMENT(AppModel)
-    QML_UNCREATABLE("The app has one.")
-};
-struct RouterType {
-    Q_GADGET
-    QML_FOREIGN(Kestro::Router)
-    QML_NAMED_ELEMENT(Router)
-    QML_UNCREATABLE("The app has one.")
-};
 struct ShellSingleton {
     Q_GADGET
     QML_FOREIGN(Kestro::ShellState)
@@ -111,12 +99,6 @@ struct WebViewsSingleton {
     QML_SINGLETON
 public:
     static WebViews* create(QQmlEngine*, QJSEngine*) { return handOver(webViews()); }
-};
-struct WebViewsType {
-    Q_GADGET
-    QML_FOREIGN(Kestro::WebViews)
-    QML_NAMED_ELEMENT(WebViewsType)
-    QML_UNCREATABLE("The app has one.")
 };
 struct WebBridgeType {
     Q_GADGET

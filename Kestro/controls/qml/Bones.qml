@@ -11,10 +11,13 @@ ColumnLayout {
     Accessible.role: Accessible.StaticText
     Accessible.name: "Loading"
     opacity: 0.75
-    SequentialAnimation on opacity {
+    // Started with the item rather than as a value source on opacity, so the
+    // starting 0.75 above stays a plain value the pulse takes over from.
+    SequentialAnimation {
+        running: true
         loops: Animation.Infinite
-        NumberAnimation { to: 1; duration: 700; easing.type: Easing.InOutQuad }
-        NumberAnimation { to: 0.55; duration: 700; easing.type: Easing.InOutQuad }
+        NumberAnimation { target: bones; property: "opacity"; to: 1; duration: 700; easing.type: Easing.InOutQuad }
+        NumberAnimation { target: bones; property: "opacity"; to: 0.55; duration: 700; easing.type: Easing.InOutQuad }
     }
     Rectangle { Layout.preferredWidth: 280; Layout.preferredHeight: 26; radius: 6; color: Theme.bone }
     Rectangle { Layout.preferredWidth: 200; Layout.preferredHeight: 14; radius: 4; color: Theme.bone }

@@ -1,6 +1,5 @@
 import QtQuick
 import QtQuick.Layouts
-import Kestro.Controls
 
 // A named Lucide icon drawn in one colour.
 Image {

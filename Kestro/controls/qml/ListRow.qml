@@ -15,7 +15,10 @@ AbstractButton {
     property string subtitle
     property string note
     property string chip
-    implicitHeight: Math.max(44, column.implicitHeight + 16)
+    // The content row is as tall as its text column whenever that clears the
+    // 44 floor, so measuring the row keeps contentItem free of ids (an id
+    // there would make its deferred assignment immediate).
+    implicitHeight: Math.max(44, row.contentItem.implicitHeight + 16)
     hoverEnabled: true
     focusPolicy: Qt.StrongFocus
     Accessible.role: Accessible.Link
@@ -52,7 +55,6 @@ AbstractButton {
             }
         }
         ColumnLayout {
-            id: column
             Layout.fillWidth: true
             spacing: 2
             RowLayout {

@@ -14,9 +14,17 @@ MenuItem {
     implicitWidth: 280
     font.family: "Geist"
     font.pixelSize: 13
+    // The chord's width, measured out here: the title stops where the chord
+    // starts, and an id inside contentItem would make its deferred
+    // assignment immediate. The chord takes its font from here too.
+    TextMetrics {
+        id: chordMetrics
+        font.family: "Geist"
+        font.pixelSize: 12
+        text: item.chord
+    }
     contentItem: Item {
         Icon {
-            id: mark
             anchors.left: parent.left
             anchors.verticalCenter: parent.verticalCenter
             name: item.checked ? "check" : item.glyph
@@ -27,7 +35,8 @@ MenuItem {
         Text {
             anchors.left: parent.left
             anchors.leftMargin: 24
-            anchors.right: chordText.left
+            anchors.right: parent.right
+            anchors.rightMargin: chordMetrics.advanceWidth
             anchors.verticalCenter: parent.verticalCenter
             text: item.text
             font: item.font
@@ -35,12 +44,10 @@ MenuItem {
             color: item.enabled ? item.ink : item.faint
         }
         Text {
-            id: chordText
             anchors.right: parent.right
             anchors.verticalCenter: parent.verticalCenter
             text: item.chord
-            font.family: "Geist"
-            font.pixelSize: 12
+            font: chordMetrics.font
             color: item.faint
         }
     }

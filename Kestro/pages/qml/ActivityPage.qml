@@ -1,3 +1,6 @@
+// Components here stay in this file's context: delegates name its ids, and
+// take their model data only through required properties.
+pragma ComponentBehavior: Bound
 import QtQuick
 import QtQuick.Controls.Basic
 import QtQuick.Layouts
@@ -17,7 +20,7 @@ Item {
 
     ActivityModel {
         id: activity
-        Component.onCompleted: start()
+        Component.onCompleted: activity.start()
     }
 
     Bones {
@@ -67,8 +70,11 @@ Item {
                     delegate: AbstractButton {
                         id: mate
                         required property var model
-                        implicitWidth: mateRow.implicitWidth + 20
+                        // The row sits 10 in from either side; an id inside
+                        // contentItem would make its deferred assignment immediate.
+                        implicitWidth: mate.contentItem.implicitWidth + 20
                         implicitHeight: 34
+                        horizontalPadding: 10
                         hoverEnabled: true
                         focusPolicy: Qt.StrongFocus
                         Accessible.role: Accessible.Link
@@ -85,19 +91,15 @@ Item {
                             border.color: mate.visualFocus ? Theme.accent : Theme.border
                             border.width: mate.visualFocus ? 2 : 1
                         }
-                        contentItem: Item {
-                            RowLayout {
-                                id: mateRow
-                                anchors.centerIn: parent
-                                spacing: 7
-                                Avatar { name: mate.model.name; status: mate.model.status; size: 22 }
-                                Text {
-                                    text: mate.model.name
-                                    textFormat: Text.PlainText
-                                    font.family: Theme.sans
-                                    font.pixelSize: 13
-                                    color: Theme.text
-                                }
+                        contentItem: RowLayout {
+                            spacing: 7
+                            Avatar { name: mate.model.name; status: mate.model.status; size: 22 }
+                            Text {
+                                text: mate.model.name
+                                textFormat: Text.PlainText
+                                font.family: Theme.sans
+                                font.pixelSize: 13
+                                color: Theme.text
                             }
                         }
                     }
@@ -201,7 +203,7 @@ Item {
                     Layout.fillWidth: true
                     glyph: "refresh-cw"
                     title: model.name
-                    subtitle: model.schedule + (model.paused ? " (model.paused)" : "")
+                    subtitle: model.schedule + (model.paused ? " · paused" : "")
                     onClicked: activity.open(model.href)
                 }
             }

@@ -1,3 +1,6 @@
+// Components here stay in this file's context: delegates name its ids, and
+// take their model data only through required properties.
+pragma ComponentBehavior: Bound
 import QtQuick
 import Kestro.Controls
 import Kestro.RichText
@@ -58,7 +61,8 @@ Rectangle {
                     anchors.centerIn: parent
                     width: 14
                     height: 14
-                    sourceSize: Qt.size(28, 28)
+                    sourceSize.width: 28
+                    sourceSize.height: 28
                     source: "image://icon/" + (block.copied ? "check" : "copy") + "?color="
                             + encodeURIComponent(Theme.muted)
                 }
@@ -88,6 +92,7 @@ Rectangle {
             Repeater {
                 model: block.lines
                 delegate: Rectangle {
+                    id: line
                     required property var modelData
                     width: column.width
                     height: codeLine.height
@@ -101,7 +106,7 @@ Rectangle {
                             visible: block.numbers
                             width: 24
                             horizontalAlignment: Text.AlignRight
-                            text: modelData.number
+                            text: line.modelData.number
                             color: Theme.muted
                             font.family: Theme.mono
                             font.pixelSize: 13
@@ -111,7 +116,7 @@ Rectangle {
                             readOnly: true
                             selectByMouse: true
                             textFormat: TextEdit.RichText
-                            text: modelData.html
+                            text: line.modelData.html
                             color: block.danger ? Theme.danger : Theme.text
                             font.family: Theme.mono
                             font.pixelSize: 13

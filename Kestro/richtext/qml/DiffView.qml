@@ -1,3 +1,6 @@
+// Components here stay in this file's context: delegates name its ids, and
+// take their model data only through required properties.
+pragma ComponentBehavior: Bound
 import QtQuick
 import Kestro.Controls
 import Kestro.RichText
@@ -35,6 +38,7 @@ Rectangle {
         Repeater {
             model: diff.same ? [] : diff.rows
             delegate: Rectangle {
+                id: row
                 required property var modelData
                 width: list.width
                 height: 19
@@ -44,7 +48,7 @@ Rectangle {
                     spacing: 8
                     leftPadding: 8
                     Repeater {
-                        model: [modelData.oldNumber, modelData.newNumber]
+                        model: [row.modelData.oldNumber, row.modelData.newNumber]
                         delegate: Text {
                             required property var modelData
                             width: 28
@@ -56,7 +60,7 @@ Rectangle {
                         }
                     }
                     Text {
-                        text: (modelData.kind === "added" ? "+ " : modelData.kind === "removed" ? "- " : "  ") + modelData.text
+                        text: (row.modelData.kind === "added" ? "+ " : row.modelData.kind === "removed" ? "- " : "  ") + row.modelData.text
                         color: Theme.text
                         font.family: Theme.mono
                         font.pixelSize: 12

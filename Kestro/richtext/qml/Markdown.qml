@@ -1,5 +1,4 @@
 import QtQuick
-import Kestro.Controls
 import Kestro.RichText
 
 // The one Markdown view: parses `text` into blocks and lays them out.

@@ -24,35 +24,49 @@ Loader {
         }
     }
 
+    // Each kind's item reaches this view through its parent (the loader
+    // parents what it loads to itself, before any binding runs): ids outside
+    // a component are out of the linter's sight, and binding these
+    // components to this file's context would stop a 6.4 Loader from
+    // creating them.
     Component {
         id: heading
         Words {
-            html: view.block.html
-            family: view.block.level <= 2 ? Theme.display : Theme.sans
+            id: headingWords
+            readonly property MarkdownBlockView host: parent as MarkdownBlockView
+            html: headingWords.host.block.html
+            family: headingWords.host.block.level <= 2 ? Theme.display : Theme.sans
             bold: true
-            size: view.size * view.headingSizes[view.block.level - 1]
-            topPadding: view.document ? 6 : 2
-            onLinkClicked: link => view.linkClicked(link)
+            size: headingWords.host.size * headingWords.host.headingSizes[headingWords.host.block.level - 1]
+            topPadding: headingWords.host.document ? 6 : 2
+            onLinkClicked: link => headingWords.host.linkClicked(link)
         }
     }
     Component {
         id: paragraph
         Column {
+            id: paragraphColumn
+            readonly property MarkdownBlockView host: parent as MarkdownBlockView
             spacing: 8
             Words {
-                width: view.width
-                html: view.block.html
-                size: view.size
-                onLinkClicked: link => view.linkClicked(link)
+                width: paragraphColumn.host.width
+                html: paragraphColumn.host.block.html
+                size: paragraphColumn.host.size
+                onLinkClicked: link => paragraphColumn.host.linkClicked(link)
             }
             Repeater {
-                model: view.block.posts || []
+                model: paragraphColumn.host.block.posts || []
                 delegate: PostCard {
                     required property var modelData
                     address: modelData.address
                     user: modelData.user
                     postId: modelData.id
-                    onOpened: view.linkClicked(modelData.address)
+                }
+                // A card opens its own address (the post's), wired from here
+                // where this view is in reach.
+                onItemAdded: (index, item) => {
+                    const card = item as PostCard
+                    card.opened.connect(() => paragraphColumn.host.linkClicked(card.address))
                 }
             }
         }
@@ -60,13 +74,17 @@ Loader {
     Component {
         id: code
         CodeBlock {
-            code: view.block.code
-            lang: view.block.lang
+            id: codeBlock
+            readonly property MarkdownBlockView host: parent as MarkdownBlockView
+            code: codeBlock.host.block.code
+            lang: codeBlock.host.block.lang
         }
     }
     Component {
         id: quote
         Row {
+            id: quoteRow
+            readonly property MarkdownBlockView host: parent as MarkdownBlockView
             spacing: 12
             Rectangle {
                 width: 3
@@ -76,13 +94,13 @@ Loader {
             }
             Loader {
                 id: inner
-                width: view.width - 15
+                width: quoteRow.host.width - 15
                 // Quotes nest: the stack is loaded by name to allow the recursion.
                 Component.onCompleted: setSource("MarkdownStack.qml",
-                                                 { blocks: view.block.blocks, size: view.size })
+                                                 { blocks: quoteRow.host.block.blocks, size: quoteRow.host.size })
                 onLoaded: {
                     item.width = Qt.binding(() => inner.width)
-                    item.linkClicked.connect(view.linkClicked)
+                    item.linkClicked.connect(quoteRow.host.linkClicked)
                 }
             }
         }
@@ -90,20 +108,24 @@ Loader {
     Component {
         id: list
         MarkdownList {
-            ordered: view.block.ordered
-            start: view.block.start
-            items: view.block.items
-            size: view.size
-            onLinkClicked: link => view.linkClicked(link)
+            id: blockList
+            readonly property MarkdownBlockView host: parent as MarkdownBlockView
+            ordered: blockList.host.block.ordered
+            start: blockList.host.block.start
+            items: blockList.host.block.items
+            size: blockList.host.size
+            onLinkClicked: link => blockList.host.linkClicked(link)
         }
     }
     Component {
         id: table
         MarkdownTable {
-            head: view.block.head
-            rows: view.block.rows
-            size: view.size
-            onLinkClicked: link => view.linkClicked(link)
+            id: blockTable
+            readonly property MarkdownBlockView host: parent as MarkdownBlockView
+            head: blockTable.host.block.head
+            rows: blockTable.host.block.rows
+            size: blockTable.host.size
+            onLinkClicked: link => blockTable.host.linkClicked(link)
         }
     }
     Component {

@@ -1,3 +1,6 @@
+// Components here stay in this file's context: delegates name its ids, and
+// take their model data only through required properties.
+pragma ComponentBehavior: Bound
 import QtQuick
 import Kestro.Controls
 import Kestro.RichText

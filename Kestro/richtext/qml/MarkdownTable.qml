@@ -1,3 +1,6 @@
+// Components here stay in this file's context: delegates name its ids, and
+// take their model data only through required properties.
+pragma ComponentBehavior: Bound
 import QtQuick
 import Kestro.Controls
 import Kestro.RichText
@@ -24,7 +27,7 @@ Rectangle {
         id: body
         width: table.width
         Repeater {
-            model: [table.head].concat(table.rows)
+            model: [table.head, ...table.rows]
             delegate: Rectangle {
                 id: tableRow
                 required property var modelData

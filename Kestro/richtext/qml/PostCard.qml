@@ -1,6 +1,5 @@
 import QtQuick
 import Kestro.Controls
-import Kestro.RichText
 
 // A post on X that a paragraph links to, as a compact card: who posted it
 // and where it lives. The app does not fetch the post itself (X serves it

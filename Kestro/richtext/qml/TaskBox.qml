@@ -1,6 +1,5 @@
 import QtQuick
 import Kestro.Controls
-import Kestro.RichText
 
 // The small rounded box of a task item, ticked when done.
 Rectangle {
@@ -20,7 +19,8 @@ Rectangle {
         visible: parent.done
         width: 11
         height: 11
-        sourceSize: Qt.size(22, 22)
+        sourceSize.width: 22
+        sourceSize.height: 22
         source: "image://icon/check?color=%23ffffff"
     }
 }

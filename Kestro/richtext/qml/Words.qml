@@ -1,6 +1,5 @@
 import QtQuick
 import Kestro.Controls
-import Kestro.RichText
 
 // Selectable rich text for one block's inline runs; links report through
 // linkActivated and show the pointing hand.

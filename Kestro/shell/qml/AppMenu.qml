@@ -1,5 +1,6 @@
 import QtQuick
 import QtQml
+import QtQml.Models
 import QtQuick.Controls.Basic
 import Kestro.Controls
 import Kestro.Shell
@@ -10,6 +11,9 @@ Menu {
     id: root
     objectName: "appMenu"
     signal quitRequested()
+    // The frame as a plain JavaScript object: a QVariantMap's keys are
+    // unknown to the type checks.
+    readonly property var frame: App.frame
     width: 300
     topPadding: 6
     bottomPadding: 6
@@ -28,11 +32,12 @@ Menu {
     }
 
     component Heading: MenuItem {
+        id: heading
         enabled: false
         implicitHeight: 26
         contentItem: Text {
             leftPadding: 2
-            text: parent.text
+            text: heading.text
             font.family: Theme.sans
             font.pixelSize: 11
             font.weight: Font.Medium
@@ -46,7 +51,7 @@ Menu {
 
     Heading { text: "Workspaces" }
     Instantiator {
-        model: App.frame.workspaces || []
+        model: root.frame.workspaces || []
         delegate: MenuRow {
             required property var modelData
             text: modelData.name + (modelData.role === "owner" || modelData.role === "admin" || modelData.role === "member" ? "" : "  (" + modelData.role + ")")

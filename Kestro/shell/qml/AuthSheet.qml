@@ -17,12 +17,12 @@ Popup {
     x: (parent.width - width) / 2
     y: (parent.height - height) / 2
     padding: 0
-    onClosed: if (AuthSession.address.toString().length > 0 && !AuthSession.inBrowser) AuthSession.cancel()
+    onClosed: if (String(AuthSession.address).length > 0 && !AuthSession.inBrowser) AuthSession.cancel()
 
     Connections {
         target: AuthSession
         function onStateChanged() {
-            if (AuthSession.address.toString().length > 0)
+            if (String(AuthSession.address).length > 0)
                 sheet.open()
             else
                 sheet.close()
@@ -81,8 +81,11 @@ Popup {
                 source: "AuthWebView.qml"
             }
             BusyIndicator {
+                // The loaded view, read untyped: naming its type here would
+                // bring in the web engine's module with the sheet.
+                readonly property var view: viewLoader.item
                 anchors.centerIn: parent
-                visible: !!viewLoader.item && viewLoader.item.loading && viewLoader.item.loadProgress < 60
+                visible: !!view && view.loading && view.loadProgress < 60
                 running: visible
             }
         }

@@ -82,7 +82,7 @@ Popup {
                 id: row
                 required property var modelData
                 width: ListView.view.width
-                implicitHeight: body.implicitHeight + 20
+                implicitHeight: row.contentItem.implicitHeight + 20
                 hoverEnabled: true
                 Accessible.name: modelData.title
                 onClicked: {
@@ -93,7 +93,6 @@ Popup {
                 }
                 background: Rectangle { color: row.hovered ? Theme.hover : "transparent" }
                 contentItem: RowLayout {
-                    id: body
                     spacing: 10
                     Avatar {
                         Layout.alignment: Qt.AlignTop

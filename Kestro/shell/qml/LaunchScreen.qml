@@ -1,7 +1,6 @@
 import QtQuick
 import QtQuick.Controls.Basic
 import Kestro.Controls
-import Kestro.Shell
 
 // While the stored sign-in is read and the workspace loads.
 Rectangle {

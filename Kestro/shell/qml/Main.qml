@@ -13,8 +13,8 @@ ApplicationWindow {
     minimumWidth: 720
     minimumHeight: 480
     visible: true
-    title: App.phase === AppModel.SignedIn && frameLoader.item && frameLoader.item.title
-           ? frameLoader.item.title + (Bell.unread > 0 ? " (" + Bell.unread + ")" : "") + " · Kestro"
+    title: App.phase === App.SignedIn && signedInFrame && signedInFrame.title
+           ? signedInFrame.title + (Bell.unread > 0 ? " (" + Bell.unread + ")" : "") + " · Kestro"
            : "Kestro"
     color: Theme.ground
     font.family: Theme.sans
@@ -24,7 +24,9 @@ ApplicationWindow {
     Binding { target: Theme; property: "darkShade"; value: Appearance.darkShade }
     Binding { target: Theme; property: "lightShade"; value: Appearance.lightShade }
 
-    readonly property bool signedIn: App.phase === AppModel.SignedIn
+    readonly property bool signedIn: App.phase === App.SignedIn
+    // The frame the loader below holds while signed in, by its own type.
+    readonly property AppFrame signedInFrame: frameLoader.item as AppFrame
 
     Loader {
         id: frameLoader
@@ -36,12 +38,12 @@ ApplicationWindow {
     }
     Loader {
         anchors.fill: parent
-        active: App.phase === AppModel.SignedOut
+        active: App.phase === App.SignedOut
         sourceComponent: SignInScreen {}
     }
     Loader {
         anchors.fill: parent
-        active: App.phase === AppModel.Launching
+        active: App.phase === App.Launching
         sourceComponent: App.frameError.length > 0 ? failure : launching
         Component { id: failure; FailureScreen {} }
         Component { id: launching; LaunchScreen {} }

@@ -1,3 +1,6 @@
+// Components here stay in this file's context: delegates name its ids, and
+// take their model data only through required properties.
+pragma ComponentBehavior: Bound
 import QtQuick
 import QtQuick.Controls.Basic
 import QtQuick.Layouts
@@ -12,6 +15,8 @@ Rectangle {
     readonly property var frame: App.frame
     readonly property string path: App.router.route.path
     readonly property var query: App.router.route.query
+    // The route table's places as a plain array, to filter.
+    readonly property var places: Pages.places
     signal openMenu(Item anchor)
     color: Theme.sidebar
     implicitWidth: collapsed ? 56 : 236
@@ -108,7 +113,7 @@ Rectangle {
         Item { Layout.preferredHeight: 8 }
 
         Repeater {
-            model: Pages.places.filter(p => p.section === "main")
+            model: sidebar.places.filter(p => p.section === "main")
             delegate: SidebarItem {
                 required property var modelData
                 Layout.fillWidth: true
@@ -123,7 +128,7 @@ Rectangle {
             }
         }
 
-        SectionLabel { text: "Workspace" }
+        SectionLabel { text: "Workspace"; visible: !sidebar.collapsed }
 
         Flickable {
             Layout.fillWidth: true
@@ -137,7 +142,7 @@ Rectangle {
                 width: parent.width
                 spacing: 2
                 Repeater {
-                    model: Pages.places.filter(p => p.section === "work")
+                    model: sidebar.places.filter(p => p.section === "work")
                     delegate: SidebarItem {
                         required property var modelData
                         Layout.fillWidth: true
@@ -148,7 +153,7 @@ Rectangle {
                         onClicked: App.router.open(modelData.path)
                     }
                 }
-                SectionLabel { text: "Kest" }
+                SectionLabel { text: "Kest"; visible: !sidebar.collapsed }
                 Repeater {
                     model: sidebar.frame.kest || []
                     delegate: AbstractButton {
@@ -212,7 +217,6 @@ Rectangle {
         Layout.topMargin: 14
         Layout.bottomMargin: 4
         Layout.leftMargin: 10
-        visible: !sidebar.collapsed
         font.family: Theme.sans
         font.pixelSize: 11
         font.weight: Font.Medium

@@ -1,7 +1,6 @@
 import QtQuick
 import QtQuick.Controls.Basic
 import Kestro.Controls
-import Kestro.Shell
 
 // One row of the sidebar: icon, label, an optional count; only the icon
 // when the sidebar is collapsed.
@@ -24,9 +23,17 @@ AbstractButton {
         border.width: row.visualFocus ? 2 : 0
         border.color: Theme.accent
     }
+    // The count's width, measured out here: the label stops short of the
+    // count, and an id inside contentItem would make its deferred assignment
+    // immediate. The count takes its font from here too.
+    TextMetrics {
+        id: countMetrics
+        font.family: Theme.sans
+        font.pixelSize: 12
+        text: row.count
+    }
     contentItem: Item {
         Icon {
-            id: mark
             x: row.collapsed ? (parent.width - width) / 2 : 10
             anchors.verticalCenter: parent.verticalCenter
             name: row.glyph
@@ -35,10 +42,12 @@ AbstractButton {
         }
         Text {
             visible: !row.collapsed
-            anchors.left: mark.right
-            anchors.leftMargin: 10
-            anchors.right: badge.left
-            anchors.rightMargin: 6
+            // Shown only when expanded: right of the icon (at 10, 16 wide) by
+            // 10, and 6 short of the count (10 in from the right).
+            anchors.left: parent.left
+            anchors.leftMargin: 10 + 16 + 10
+            anchors.right: parent.right
+            anchors.rightMargin: 10 + 6 + (row.count > 0 ? countMetrics.advanceWidth : 0)
             anchors.verticalCenter: parent.verticalCenter
             text: row.label
             elide: Text.ElideRight
@@ -48,15 +57,13 @@ AbstractButton {
             color: Theme.text
         }
         Text {
-            id: badge
             visible: !row.collapsed && row.count > 0
             anchors.right: parent.right
             anchors.rightMargin: 10
             anchors.verticalCenter: parent.verticalCenter
             width: visible ? implicitWidth : 0
             text: row.count
-            font.family: Theme.sans
-            font.pixelSize: 12
+            font: countMetrics.font
             color: Theme.muted
         }
     }

@@ -1,5 +1,4 @@
 import QtQuick
-import QtQuick.Controls.Basic
 import Kestro.Controls
 import Kestro.Shell
 
