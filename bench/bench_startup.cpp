@@ -6,19 +6,14 @@
 // Goals: start within 2x the bare window's time; memory within its + 60 MB.
 
 #include "DevServiceProcess.h"
+#include "StoredSignIn.h"
 
-#include "service/Auth.h"
-#include "service/BlockingWait.h"
-#include "service/KeychainStore.h"
 
 #include <QCoreApplication>
 #include <QElapsedTimer>
-#include <QNetworkAccessManager>
-#include <QNetworkReply>
 #include <QProcess>
 #include <QTextStream>
 
-using namespace Kestro;
 
 namespace {
 
@@ -85,18 +80,8 @@ int main(int argc, char** argv)
     service.start({QStringLiteral("--auto-approve")});
     const QUrl origin = service.origin();
 
-    // Sign in once, as the app would, so every launch finds stored tokens.
-    KeychainStore keychain{QString(Auth::keychainService)};
-    Auth auth(origin, keychain);
-    const Authorization authorization = auth.begin(QString(Auth::redirectUri));
-    QNetworkAccessManager network;
-    QNetworkRequest request(authorization.url);
-    request.setAttribute(QNetworkRequest::RedirectPolicyAttribute, QNetworkRequest::ManualRedirectPolicy);
-    QNetworkReply* reply = network.get(request);
-    while (!reply->isFinished())
-        QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents);
-    const QUrl callback(QString::fromUtf8(reply->rawHeader("Location")));
-    blockingWait(auth.finish(callback, authorization));
+    // Signed in once, as the app would, so every launch finds stored tokens.
+    KestroTest::storeSignIn(origin);
 
     QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
     environment.insert(QStringLiteral("KESTRO_EXIT_WHEN_READY"), QStringLiteral("1"));

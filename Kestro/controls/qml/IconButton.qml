@@ -13,6 +13,8 @@ AbstractButton {
     hoverEnabled: true
     focusPolicy: Qt.TabFocus
     Accessible.name: tip
+    // A screen reader's "press" acts as a click.
+    Accessible.onPressAction: clicked()
     opacity: enabled ? 1 : 0.35
 
     background: Rectangle {

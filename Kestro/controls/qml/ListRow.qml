@@ -24,6 +24,8 @@ AbstractButton {
     Accessible.role: Accessible.Link
     Accessible.name: title
     Accessible.description: subtitle
+    // A screen reader's "press" acts as a click.
+    Accessible.onPressAction: clicked()
     Keys.onReturnPressed: row.clicked()
     Keys.onEnterPressed: row.clicked()
 

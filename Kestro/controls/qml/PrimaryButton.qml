@@ -10,6 +10,8 @@ Button {
     leftPadding: 18
     rightPadding: 18
     hoverEnabled: true
+    // A screen reader's "press" acts as a click.
+    Accessible.onPressAction: clicked()
     font.family: Theme.sans
     font.pixelSize: 14
     font.weight: Font.Medium

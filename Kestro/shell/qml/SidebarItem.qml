@@ -16,6 +16,8 @@ AbstractButton {
     focusPolicy: Qt.TabFocus
     Accessible.name: label
     Accessible.role: Accessible.Button
+    // A screen reader's "press" acts as a click.
+    Accessible.onPressAction: clicked()
 
     background: Rectangle {
         radius: 7
