@@ -36,6 +36,9 @@ void addTaskActions(ActionTable& table);
 void addAnalyticsActions(ActionTable& table);
 void addDirectChatActions(ActionTable& table);
 void addActivityActions(ActionTable& table);
+// How many things wait for the caller (what "shell/waiting" lists): the
+// frame's "Needs you" count says the same number the page shows.
+int waitingCount(ActionContext& ctx);
 
 // Arguments by position. A missing argument, null and {"$undefined": true}
 // all mean "not given"; a given argument of the wrong type is a 400.

@@ -374,6 +374,11 @@ json waiting(ActionContext& ctx, const json&)
 
 } // namespace
 
+int waitingCount(ActionContext& ctx)
+{
+    return int(waiting(ctx, json::array())["items"].size());
+}
+
 void addActivityActions(ActionTable& table)
 {
     table["shell/activity"] = activity;

@@ -53,12 +53,12 @@ json frame(ActionContext& ctx, const json&)
                               {"role", w["members"][ctx.caller.user]},
                               {"current", w["id"] == space["id"]}});
     }
-    int needsYou = 0, open = 0;
+    int open = 0;
     for (const json& t : s.store.list("task", ctx.caller.workspace)) {
         const std::string status = t["status"];
-        needsYou += status == "needs_you" || status == "in_review";
         open += status != "done" && status != "canceled";
     }
+    const int needsYou = waitingCount(ctx);
     const int unread = unreadOf(ctx);
     return {
         {"user",
