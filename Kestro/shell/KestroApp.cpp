@@ -34,6 +34,7 @@
 // The app's QML modules are static libraries: their plugins are linked in.
 Q_IMPORT_QML_PLUGIN(Kestro_ShellPlugin)
 Q_IMPORT_QML_PLUGIN(Kestro_PagesPlugin)
+Q_IMPORT_QML_PLUGIN(Kestro_ComposerPlugin)
 
 namespace Kestro {
 

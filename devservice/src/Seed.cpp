@@ -3,6 +3,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <map>
 
 namespace devservice {
 
@@ -315,11 +316,24 @@ void seed(Service& service)
             {"summarize", "Summarize", "Boil a long text down to the points that matter."},
             {"research", "Research", "Look something up on the web and cite the sources."},
             {"draft-email", "Draft an e-mail", "Write an e-mail in the workspace's voice."},
-            {"review-pr", "Review a pull request", "Read a diff and comment on it."}};
-        for (const auto& skill : skills)
-            store.put("skill", std::string("w1:") + skill[0], "w1",
-                      {{"id", skill[0]}, {"name", skill[1]}, {"description", skill[2]}});
-        const char* docs[][2] = {{"d1", "Brand voice"}, {"d2", "Launch checklist"}, {"d3", "Pricing notes"}};
+            {"review-pr", "Review a pull request", "Read a diff and comment on it."},
+            {"weekly-report", "Weekly report", "Gather the week's numbers and what changed."},
+            {"compare-tools", "Compare tools", "Put two or three products side by side."}};
+        // Most skills are everyone's; a few belong to the teammate who has them.
+        const std::map<std::string, std::string> owners = {{"draft-email", "quill"}, {"review-pr", "forge"}};
+        for (const auto& skill : skills) {
+            json record = {{"id", skill[0]}, {"name", skill[1]}, {"description", skill[2]}};
+            if (const auto owner = owners.find(skill[0]); owner != owners.end())
+                record["agent"] = owner->second;
+            store.put("skill", std::string("w1:") + skill[0], "w1", record);
+        }
+        // A document's id is its slug: the "#" menu links "/documents/<slug>".
+        const char* docs[][2] = {{"brand-voice", "Brand voice"},
+                                 {"launch-checklist", "Launch checklist"},
+                                 {"pricing-notes", "Pricing notes"},
+                                 {"onboarding-guide", "Onboarding guide"},
+                                 {"q4-plan", "Q4 plan: focus and bets"},
+                                 {"incident-runbook", "Incident runbook"}};
         for (const auto& doc : docs)
             store.put("document", doc[0], "w1", {{"kind", "doc"}, {"id", doc[0]}, {"title", doc[1]}});
 

@@ -8,6 +8,8 @@ QtObject {
     property bool dark: false
     property string darkShade: "graphite"
     property string lightShade: "daylight"
+    // Motion is cut to jumps and fades (the desktop's or the user's choice).
+    property bool reduceMotion: false
 
     readonly property var darkGrounds: ({
         "graphite": "#1b1b1f", "charcoal": "#202124", "dimmed": "#22272e",

@@ -1,0 +1,134 @@
+pragma ComponentBehavior: Bound
+import QtQuick
+import QtQuick.Controls.Basic
+import Kestro.Controls
+import Kestro.Composer
+
+// The open inline menu: its heading, then its rows on one highlight that
+// glides from row to row (it jumps when motion is reduced).
+Rectangle {
+    id: menu
+    required property PromptBarModel model
+    readonly property int rowHeight: 30
+    implicitWidth: 320
+    implicitHeight: heading.height + Math.min(rows.count, 8) * rowHeight + 12
+    radius: 10
+    color: Theme.raised
+    border.color: Theme.border
+    Accessible.role: Accessible.PopupMenu
+    Accessible.name: menu.model.menuLabel
+
+    Text {
+        id: heading
+        x: 12
+        y: 8
+        width: parent.width - 24
+        height: 22
+        text: menu.model.menuTitle
+        color: Theme.muted
+        font.family: Theme.sans
+        font.pixelSize: 11
+        elide: Text.ElideRight
+    }
+
+    // The glide: one highlight that moves to the active row rather than one
+    // per row, so the eye follows it; it jumps when motion is reduced.
+    Rectangle {
+        id: glide
+        objectName: "glide"
+        visible: rows.count > 0
+        x: rows.x
+        y: rows.y + menu.model.activeRow * menu.rowHeight - rows.contentY
+        width: rows.width
+        height: menu.rowHeight
+        radius: 7
+        color: Theme.selected
+        Behavior on y {
+            enabled: !Theme.reduceMotion
+            NumberAnimation { duration: 120; easing.type: Easing.OutCubic }
+        }
+    }
+
+    ListView {
+        id: rows
+        objectName: "inlineMenuRows"
+        x: 6
+        y: heading.y + heading.height
+        width: parent.width - 12
+        height: Math.min(count, 8) * menu.rowHeight
+        clip: true
+        model: menu.model.options
+        currentIndex: menu.model.activeRow
+        interactive: count > 8
+        highlightFollowsCurrentItem: false
+        onCurrentIndexChanged: positionViewAtIndex(currentIndex, ListView.Contain)
+        delegate: Item {
+            id: row
+            required property int index
+            required property string label
+            required property string hint
+            required property string badge
+            required property string tip
+            required property bool mono
+            width: rows.width
+            height: menu.rowHeight
+            Accessible.role: Accessible.MenuItem
+            Accessible.name: row.label + (row.hint.length > 0 && row.hint !== row.label ? ", " + row.hint : "")
+            Accessible.selected: row.index === menu.model.activeRow
+
+            // People and teammates show their face, documents a page.
+            Avatar {
+                visible: menu.model.menuLabel === "Mention"
+                x: 6
+                anchors.verticalCenter: parent.verticalCenter
+                name: row.label
+                size: 18
+            }
+            Icon {
+                visible: menu.model.menuLabel === "Link a doc"
+                x: 7
+                anchors.verticalCenter: parent.verticalCenter
+                name: "file-text"
+                size: 16
+                color: Theme.muted
+            }
+            Text {
+                id: labelText
+                x: menu.model.menuLabel === "Mention" || menu.model.menuLabel === "Link a doc" ? 32 : 8
+                anchors.verticalCenter: parent.verticalCenter
+                text: row.label
+                color: Theme.text
+                font.family: row.mono ? Theme.mono : Theme.sans
+                font.pixelSize: 13
+            }
+            Text {
+                anchors.left: labelText.right
+                anchors.leftMargin: 8
+                anchors.right: badgeText.left
+                anchors.rightMargin: 8
+                anchors.verticalCenter: parent.verticalCenter
+                text: row.hint !== row.label ? row.hint : ""
+                color: Theme.muted
+                font.family: Theme.sans
+                font.pixelSize: 12
+                elide: Text.ElideRight
+            }
+            Text {
+                id: badgeText
+                anchors.right: parent.right
+                anchors.rightMargin: 8
+                anchors.verticalCenter: parent.verticalCenter
+                text: row.badge
+                color: Theme.muted
+                font.family: Theme.sans
+                font.pixelSize: 11
+            }
+            MouseArea {
+                anchors.fill: parent
+                hoverEnabled: true
+                onEntered: menu.model.hover(row.index)
+                onClicked: menu.model.pick(row.index)
+            }
+        }
+    }
+}

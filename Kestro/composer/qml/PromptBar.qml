@@ -1,0 +1,275 @@
+import QtQuick
+import QtQuick.Controls.Basic
+import Kestro.Controls
+import Kestro.Composer
+
+// The one place where the user writes to teammates. The text belongs to
+// the caller (`value`, two-way); Return sends it through `send`, Shift+Return
+// breaks the line, and while an inline menu is open the arrows, Return, Tab
+// and Escape go to the menu first.
+FocusScope {
+    id: bar
+    // The user's role here, and the roles that may write.
+    property string access: "member"
+    property var allow: ["owner", "admin", "member"]
+    property string value
+    property string placeholder
+    property string label: "Message"
+    property string sendLabel: "Send"
+    property bool pending: false
+    property bool disabled: false
+    property int min: stacked ? 56 : 32
+    property int maxLength: 0
+    property alias mentions: menus.mentions
+    property alias mentionLabel: menus.mentionLabel
+    property alias skillsFor: menus.skillsFor
+    property alias docLinks: menus.docLinks
+    property alias sources: menus.sources
+    property bool stacked: false
+    property bool quiet: false
+    // Set when the caller takes files (pasted or dropped) through `files`.
+    property bool acceptsFiles: false
+    // Set when Escape with no menu open should reach `cancel`; otherwise
+    // the key passes on to the page.
+    property bool cancels: false
+    // The caller's extra buttons, placed beside (or above) the editor.
+    default property alias actions: actionRow.data
+    readonly property int maxHeight: 240
+    readonly property string notice: menus.readOnlyNotice(access, allow)
+    readonly property alias editor: area
+    readonly property alias model: menus
+
+    signal send(string text)
+    signal cancel()
+    signal files(var paths)
+
+    implicitHeight: notice.length > 0 ? noticeText.implicitHeight + 24 : frame.implicitHeight
+    implicitWidth: 480
+
+    function submit() {
+        if (bar.pending || bar.disabled || bar.value.trim().length === 0)
+            return
+        bar.send(bar.value)
+    }
+    function focusEditor() { area.forceActiveFocus() }
+
+    PromptBarModel {
+        id: menus
+        onPicked: (text, caret) => {
+            bar.value = text
+            area.cursorPosition = caret
+        }
+    }
+
+    Text {
+        id: noticeText
+        visible: bar.notice.length > 0
+        anchors.fill: parent
+        anchors.margins: 12
+        text: bar.notice
+        wrapMode: Text.Wrap
+        color: Theme.muted
+        font.family: Theme.sans
+        font.pixelSize: 13
+        Accessible.role: Accessible.StaticText
+        Accessible.name: text
+    }
+
+    Rectangle {
+        id: frame
+        visible: bar.notice.length === 0
+        anchors.fill: parent
+        implicitHeight: (bar.stacked ? actionRow.height + 8 : 0) + editorBox.height + 12
+        radius: bar.quiet ? 0 : 12
+        color: bar.quiet ? "transparent" : Theme.raised
+        border.width: bar.quiet ? 0 : 1
+        border.color: area.activeFocus ? Theme.accent : Theme.border
+        opacity: bar.disabled ? 0.6 : 1
+
+        Row {
+            id: actionRow
+            x: 8
+            y: bar.stacked ? 8 : (frame.height - height) / 2
+            spacing: 4
+        }
+
+        Flickable {
+            id: editorBox
+            objectName: "promptScroll"
+            x: bar.stacked ? 8 : actionRow.width + (actionRow.width > 0 ? 12 : 8)
+            y: bar.stacked ? actionRow.height + 16 : 6
+            width: frame.width - x - sendButton.width - 16
+            height: Math.max(bar.min, Math.min(area.implicitHeight, bar.maxHeight))
+            contentHeight: area.implicitHeight
+            clip: true
+            boundsBehavior: Flickable.StopAtBounds
+            ScrollBar.vertical: ScrollBar { policy: area.implicitHeight > bar.maxHeight ? ScrollBar.AsNeeded : ScrollBar.AlwaysOff }
+
+            TextArea.flickable: TextArea {
+                id: area
+                objectName: "promptEditor"
+                focus: true
+                enabled: !bar.disabled
+                text: bar.value
+                placeholderText: bar.placeholder
+                placeholderTextColor: Theme.muted
+                color: Theme.text
+                selectionColor: Theme.accent
+                selectedTextColor: Theme.accentText
+                wrapMode: TextEdit.Wrap
+                font.family: Theme.sans
+                font.pixelSize: 14
+                leftPadding: 4
+                rightPadding: 4
+                topPadding: 7
+                bottomPadding: 9
+                background: null
+                Accessible.name: bar.label
+                Accessible.role: Accessible.EditableText
+
+                onTextChanged: {
+                    if (bar.maxLength > 0 && text.length > bar.maxLength) {
+                        // Over the limit: the excess is cut where it came in.
+                        const at = cursorPosition
+                        remove(bar.maxLength, text.length)
+                        cursorPosition = Math.min(at, bar.maxLength)
+                    }
+                    if (text !== bar.value)
+                        bar.value = text
+                    menus.edited(text, cursorPosition, preeditText)
+                }
+                onCursorPositionChanged: menus.edited(text, cursorPosition, preeditText)
+                onPreeditTextChanged: menus.edited(text, cursorPosition, preeditText)
+                // The caret stays in sight as the text scrolls.
+                onCursorRectangleChanged: {
+                    const r = cursorRectangle
+                    if (r.y < editorBox.contentY)
+                        editorBox.contentY = r.y
+                    else if (r.y + r.height > editorBox.contentY + editorBox.height)
+                        editorBox.contentY = r.y + r.height - editorBox.height
+                }
+
+                Keys.onPressed: event => {
+                    if (event.key === Qt.Key_Return || event.key === Qt.Key_Enter) {
+                        if (inputMethodComposing) {
+                            // The input method's text is committed, not sent.
+                            Qt.inputMethod.commit()
+                            event.accepted = true
+                        } else if (event.modifiers & Qt.ShiftModifier) {
+                            event.accepted = false // the editor breaks the line
+                        } else {
+                            event.accepted = true
+                            if (!menus.key(PromptBarModel.Enter))
+                                bar.submit()
+                        }
+                    } else if (event.key === Qt.Key_Tab) {
+                        event.accepted = true
+                        if (!menus.key(PromptBarModel.Tab))
+                            area.nextItemInFocusChain(true).forceActiveFocus(Qt.TabFocusReason)
+                    } else if (event.key === Qt.Key_Backtab) {
+                        event.accepted = true
+                        area.nextItemInFocusChain(false).forceActiveFocus(Qt.BacktabFocusReason)
+                    } else if (event.key === Qt.Key_Up) {
+                        event.accepted = menus.key(PromptBarModel.Up)
+                    } else if (event.key === Qt.Key_Down) {
+                        event.accepted = menus.key(PromptBarModel.Down)
+                    } else if (event.key === Qt.Key_Escape) {
+                        if (menus.key(PromptBarModel.Escape)) {
+                            event.accepted = true
+                        } else {
+                            event.accepted = bar.cancels
+                            bar.cancel()
+                        }
+                    } else if (event.matches(StandardKey.Paste) && bar.acceptsFiles) {
+                        const paths = menus.pastedFiles()
+                        if (paths.length > 0) {
+                            event.accepted = true
+                            bar.files(paths)
+                        } else {
+                            event.accepted = false // plain text: the editor pastes it
+                        }
+                    }
+                }
+            }
+        }
+
+        AbstractButton {
+            id: sendButton
+            objectName: "sendButton"
+            anchors.right: parent.right
+            anchors.rightMargin: 8
+            anchors.bottom: parent.bottom
+            anchors.bottomMargin: 8
+            implicitWidth: 32
+            implicitHeight: 32
+            enabled: !bar.disabled && !bar.pending && bar.value.trim().length > 0
+            focusPolicy: Qt.TabFocus
+            Accessible.name: bar.pending ? bar.sendLabel + ", sending" : bar.sendLabel
+            Accessible.role: Accessible.Button
+            Accessible.onPressAction: bar.submit()
+            onClicked: bar.submit()
+            background: Rectangle {
+                radius: 8
+                color: sendButton.enabled || bar.pending ? Theme.accent : Theme.selected
+                border.width: sendButton.visualFocus ? 2 : 0
+                border.color: Theme.text
+            }
+            contentItem: Item {
+                Icon {
+                    anchors.centerIn: parent
+                    visible: !bar.pending
+                    name: "arrow-up"
+                    size: 16
+                    color: Theme.accentText
+                }
+                Icon {
+                    anchors.centerIn: parent
+                    visible: bar.pending
+                    name: "loader-circle"
+                    size: 16
+                    color: Theme.accentText
+                    RotationAnimator on rotation {
+                        running: bar.pending && !Theme.reduceMotion
+                        from: 0
+                        to: 360
+                        duration: 900
+                        loops: Animation.Infinite
+                    }
+                }
+            }
+            ToolTip.visible: hovered
+            ToolTip.delay: 600
+            ToolTip.text: bar.sendLabel
+        }
+
+        DropArea {
+            anchors.fill: parent
+            enabled: bar.acceptsFiles && !bar.disabled
+            onDropped: drop => {
+                const paths = menus.localFiles(drop.urls)
+                if (paths.length > 0) {
+                    drop.accept()
+                    bar.files(paths)
+                }
+            }
+        }
+    }
+
+    // The menu opens above the caret, inside the window.
+    Popup {
+        id: menuPopup
+        visible: menus.menuOpen && area.activeFocus
+        parent: bar
+        padding: 0
+        margins: 8
+        closePolicy: Popup.NoAutoClose
+        focus: false
+        x: Math.max(0, Math.min(editorBox.x + area.cursorRectangle.x, bar.width - width))
+        y: editorBox.y + area.cursorRectangle.y - editorBox.contentY - height - 6
+        background: null
+        contentItem: InlineMenuList {
+            objectName: "inlineMenu"
+            model: menus
+        }
+    }
+}
