@@ -230,6 +230,16 @@ private slots:
         QTRY_VERIFY(scroll->property("contentY").toReal() > 0);
     }
 
+    void keepsToItsMaximumLength()
+    {
+        m_bar->setProperty("maxLength", 10);
+        type(u"twelve chars"_s);
+        QCOMPARE(value(), u"twelve cha"_s);
+        auto* left = m_view->rootObject()->findChild<QQuickItem*>(u"lengthLeft"_s);
+        QVERIFY(left && left->isVisible());
+        QCOMPARE(left->property("text").toString(), u"0 left"_s);
+    }
+
     void readOnlyRolesSeeTheirSentence_data()
     {
         QTest::addColumn<QString>("role");

@@ -32,6 +32,8 @@ FocusScope {
     // Set when Escape with no menu open should reach `cancel`; otherwise
     // the key passes on to the page.
     property bool cancels: false
+    // Takes the keyboard as soon as it shows.
+    property bool autoFocus: false
     // The caller's extra buttons, placed beside (or above) the editor.
     default property alias actions: actionRow.data
     readonly property int maxHeight: 240
@@ -52,6 +54,7 @@ FocusScope {
         bar.send(bar.value)
     }
     function focusEditor() { area.forceActiveFocus() }
+    Component.onCompleted: if (bar.autoFocus) bar.focusEditor()
 
     PromptBarModel {
         id: menus
@@ -240,6 +243,47 @@ FocusScope {
             ToolTip.visible: hovered
             ToolTip.delay: 600
             ToolTip.text: bar.sendLabel
+        }
+
+        // How much is left, once the text nears its limit.
+        Text {
+            objectName: "lengthLeft"
+            visible: bar.maxLength > 0 && bar.value.length >= bar.maxLength * 0.9
+            anchors.right: sendButton.left
+            anchors.rightMargin: 8
+            anchors.verticalCenter: sendButton.verticalCenter
+            text: (bar.maxLength - bar.value.length) + " left"
+            color: bar.value.length >= bar.maxLength ? Theme.danger : Theme.muted
+            font.family: Theme.sans
+            font.pixelSize: 11
+        }
+
+        // The editor's own menu; Paste also takes files and images.
+        MouseArea {
+            anchors.fill: editorBox
+            acceptedButtons: Qt.RightButton
+            onClicked: mouse => {
+                editMenu.canPasteFiles = bar.acceptsFiles && menus.clipboardHasFiles()
+                editMenu.popup()
+            }
+        }
+        Menu {
+            id: editMenu
+            property bool canPasteFiles: false
+            MenuItem { text: "Cut"; enabled: area.selectedText.length > 0; onTriggered: area.cut() }
+            MenuItem { text: "Copy"; enabled: area.selectedText.length > 0; onTriggered: area.copy() }
+            MenuItem {
+                text: "Paste"
+                enabled: area.canPaste || editMenu.canPasteFiles
+                onTriggered: {
+                    const paths = bar.acceptsFiles ? menus.pastedFiles() : []
+                    if (paths.length > 0)
+                        bar.files(paths)
+                    else
+                        area.paste()
+                }
+            }
+            MenuItem { text: "Select all"; onTriggered: area.selectAll() }
         }
 
         DropArea {
