@@ -28,7 +28,9 @@ std::optional<InlineHit> match(const QList<InlineSource>& sources, const QString
 {
     for (int i = 0; i < sources.size(); ++i) {
         const QRegularExpressionMatch found = sources[i].pattern.match(beforeCaret);
-        if (!found.hasMatch())
+        // A pattern without a query group, or one whose query does not come
+        // right after the trigger character, cannot be picked safely.
+        if (!found.hasMatch() || found.lastCapturedIndex() < 1 || found.capturedStart(1) < 1)
             continue;
         // The pick replaces the trigger character and the query, not the
         // space or the mentions before them.

@@ -74,6 +74,7 @@ struct Skill {
     QString id;
     QString name;
     QString description;
+    QString agent; // the teammate who has it; empty for everyone's
 };
 
 // A handle that begins with the query, else a name that contains it; the

@@ -32,7 +32,11 @@ QVariantList urlList(const QList<QUrl>& urls)
 
 InlineOption optionOf(const QVariantMap& map)
 {
-    return {textOf(map, "key"),  textOf(map, "insert"), map.value(QStringLiteral("mono")).toBool(),
+    // Rows are told apart by key; an option given none is known by its text.
+    QString key = textOf(map, "key");
+    if (key.isEmpty())
+        key = textOf(map, "insert") + QLatin1Char('\n') + textOf(map, "label");
+    return {key,  textOf(map, "insert"), map.value(QStringLiteral("mono")).toBool(),
             textOf(map, "hint"), textOf(map, "badge"),  textOf(map, "tip"),
             textOf(map, "face"), textOf(map, "label")};
 }
@@ -78,9 +82,18 @@ QList<InlineSource> PromptBarModel::buildSources() const
     QList<InlineSource> out;
     out.append({InlineMenu::skillPattern(), {}, QStringLiteral("Pick a skill"),
                 [this](const QString& typed) {
-                    return m_skills ? InlineMenu::skillOptions(*m_skills, typed) : QList<InlineOption>();
+                    if (!m_skills)
+                        return QList<InlineOption>();
+                    // Everyone's skills and those of the teammate written to.
+                    QList<InlineMenu::Skill> offered;
+                    for (const InlineMenu::Skill& skill : *m_skills)
+                        if (skill.agent.isEmpty() || skill.agent == m_skillsFor)
+                            offered.append(skill);
+                    return InlineMenu::skillOptions(offered, typed);
                 },
-                false});
+                // A space after the skill, so the "/" menu does not open
+                // again on what was just picked.
+                true});
     if (m_docLinks)
         out.append({InlineMenu::documentPattern(), {}, QStringLiteral("Link a doc"),
                     [this](const QString& typed) {
@@ -199,7 +212,7 @@ bool PromptBarModel::key(Key key)
     case Key::Enter:
     case Key::Tab:
         if (rows == 0)
-            return key == Key::Enter; // still loading: Return must not send
+            return false; // still loading: the keys act as if no menu were open
         pick(m_active);
         return true;
     case Key::Escape:
@@ -247,7 +260,7 @@ void PromptBarModel::setSkills(const QVariantList& skills)
     QList<InlineMenu::Skill> list;
     for (const QVariant& v : skills) {
         const QVariantMap m = v.toMap();
-        list.append({textOf(m, "id"), textOf(m, "name"), textOf(m, "description")});
+        list.append({textOf(m, "id"), textOf(m, "name"), textOf(m, "description"), textOf(m, "agent")});
     }
     m_skills = list;
     rematch();
@@ -277,8 +290,7 @@ void PromptBarModel::loadSkills()
             if (!self)
                 co_return;
             for (const auto& s : answer.skills)
-                if (!s.agent || self->m_skillsFor.isEmpty() || *s.agent == self->m_skillsFor)
-                    skills.append({s.id, s.name, s.description});
+                skills.append({s.id, s.name, s.description, s.agent.value_or(QString())});
         } catch (const std::exception&) {
             // No skills to offer: the menu closes rather than keep loading.
         }

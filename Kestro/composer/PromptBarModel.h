@@ -109,7 +109,6 @@ private:
     QString m_beforeCaret;
     // Escape closed the menu for this text; it opens again once the text
     // before the caret changes.
-    QString m_dismissedAt;
     bool m_dismissed = false;
     QList<InlineSource> m_sources;
     std::optional<InlineHit> m_hit;

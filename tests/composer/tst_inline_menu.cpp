@@ -102,6 +102,18 @@ private slots:
         }
     }
 
+    void skipsACallerPatternWithoutAQuery()
+    {
+        // No group 1: nothing a pick could replace safely, so no menu.
+        const QList<InlineSource> sources = {
+            {QRegularExpression(u":[a-z]*\\z"_s), {}, u"bad"_s, {}},
+            {QRegularExpression(u"(?:^|\\s):([a-z]*)\\z"_s), {}, u"good"_s, {}}};
+        const auto hit = InlineMenu::match(sources, u"add :ur"_s);
+        QVERIFY(hit);
+        QCOMPARE(sources[hit->source].label, u"good"_s);
+        QCOMPARE(hit->from, 4);
+    }
+
     void keepsMentionsInTheSuppliedOrder()
     {
         const QList<InlineMenu::Mention> people = {

@@ -42,6 +42,7 @@ Item {
         objectName: "bar"
         anchors.bottom: parent.bottom
         width: parent.width
+        access: "member"
         acceptsFiles: true
         cancels: true
         mentions: [{ handle: "nova", name: "Nova" }, { handle: "quill", name: "Quill" },
@@ -162,6 +163,33 @@ private slots:
         QCOMPARE(m_view->rootObject()->property("cancels").toInt(), 0);
         key(Qt::Key_Escape);
         QCOMPARE(m_view->rootObject()->property("cancels").toInt(), 1);
+        // A bar that does not cancel leaves Escape to the page.
+        m_bar->setProperty("cancels", false);
+        key(Qt::Key_Escape);
+        QCOMPARE(m_view->rootObject()->property("cancels").toInt(), 1);
+    }
+
+    void aPickedSkillIsSentByTheNextReturn()
+    {
+        QMetaObject::invokeMethod(
+            menus(), "setSkills",
+            Q_ARG(QVariantList, (QVariantList{QVariantMap{{u"id"_s, u"summarize"_s}, {u"name"_s, u"Summarize"_s}},
+                                              QVariantMap{{u"id"_s, u"review-pr"_s}, {u"agent"_s, u"forge"_s}}})));
+        type(u"/su"_s);
+        QTRY_VERIFY(menus()->property("menuOpen").toBool());
+        key(Qt::Key_Return);
+        QCOMPARE(value(), u"/summarize "_s);
+        QVERIFY(!menus()->property("menuOpen").toBool());
+        type(u"this"_s);
+        key(Qt::Key_Return);
+        QCOMPARE(sent(), 1);
+        QCOMPARE(m_view->rootObject()->property("lastSent").toString(), u"/summarize this"_s);
+        // Another teammate's skill is offered only when writing to them.
+        setValue(u"/rev"_s);
+        QVERIFY(!menus()->property("menuOpen").toBool());
+        m_bar->setProperty("skillsFor", u"forge"_s);
+        setValue(u"/re"_s);
+        QTRY_VERIFY(menus()->property("menuOpen").toBool());
     }
 
     void arrowsMoveTheCaretWithNoMenu()
@@ -238,6 +266,11 @@ private slots:
         auto* left = m_view->rootObject()->findChild<QQuickItem*>(u"lengthLeft"_s);
         QVERIFY(left && left->isVisible());
         QCOMPARE(left->property("text").toString(), u"0 left"_s);
+        // Typed in the middle of a full text: what came in is cut, the end stays.
+        m_editor->setProperty("cursorPosition", 3);
+        type(u"XY"_s);
+        QCOMPARE(value(), u"twelve cha"_s);
+        QCOMPARE(caret(), 3);
     }
 
     void readOnlyRolesSeeTheirSentence_data()

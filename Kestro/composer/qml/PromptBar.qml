@@ -9,9 +9,13 @@ import Kestro.Composer
 // and Escape go to the menu first.
 FocusScope {
     id: bar
-    // The user's role here, and the roles that may write.
-    property string access: "member"
+    // The user's role here (the workspace's, from the frame), and the roles
+    // that may write. Unset, the bar stays read-only rather than let anyone
+    // write by mistake.
+    property string access
     property var allow: ["owner", "admin", "member"]
+    // Two-way: the bar writes what the user types back here, which replaces
+    // a binding; a caller keeps its own copy with onValueChanged.
     property string value
     property string placeholder
     property string label: "Message"
@@ -49,6 +53,8 @@ FocusScope {
     implicitWidth: 480
 
     function submit() {
+        // A word the input method still composes belongs to the message.
+        Qt.inputMethod.commit()
         if (bar.pending || bar.disabled || bar.value.trim().length === 0)
             return
         bar.send(bar.value)
@@ -59,6 +65,8 @@ FocusScope {
     PromptBarModel {
         id: menus
         onPicked: (text, caret) => {
+            // The pick already holds what the input method was composing.
+            Qt.inputMethod.reset()
             bar.value = text
             area.cursorPosition = caret
         }
@@ -132,10 +140,13 @@ FocusScope {
 
                 onTextChanged: {
                     if (bar.maxLength > 0 && text.length > bar.maxLength) {
-                        // Over the limit: the excess is cut where it came in.
+                        // Over the limit: the excess is cut where it came in,
+                        // just before the caret, not from the end.
                         const at = cursorPosition
-                        remove(bar.maxLength, text.length)
-                        cursorPosition = Math.min(at, bar.maxLength)
+                        const excess = text.length - bar.maxLength
+                        const from = Math.max(0, at - excess)
+                        remove(from, from + excess)
+                        cursorPosition = from
                     }
                     if (text !== bar.value)
                         bar.value = text
@@ -167,11 +178,14 @@ FocusScope {
                         }
                     } else if (event.key === Qt.Key_Tab) {
                         event.accepted = true
-                        if (!menus.key(PromptBarModel.Tab))
-                            area.nextItemInFocusChain(true).forceActiveFocus(Qt.TabFocusReason)
+                        const next = menus.key(PromptBarModel.Tab) ? null : area.nextItemInFocusChain(true)
+                        if (next)
+                            next.forceActiveFocus(Qt.TabFocusReason)
                     } else if (event.key === Qt.Key_Backtab) {
                         event.accepted = true
-                        area.nextItemInFocusChain(false).forceActiveFocus(Qt.BacktabFocusReason)
+                        const previous = area.nextItemInFocusChain(false)
+                        if (previous)
+                            previous.forceActiveFocus(Qt.BacktabFocusReason)
                     } else if (event.key === Qt.Key_Up) {
                         event.accepted = menus.key(PromptBarModel.Up)
                     } else if (event.key === Qt.Key_Down) {
@@ -179,9 +193,11 @@ FocusScope {
                     } else if (event.key === Qt.Key_Escape) {
                         if (menus.key(PromptBarModel.Escape)) {
                             event.accepted = true
-                        } else {
-                            event.accepted = bar.cancels
+                        } else if (bar.cancels) {
+                            event.accepted = true
                             bar.cancel()
+                        } else {
+                            event.accepted = false // the page's Escape
                         }
                     } else if (event.matches(StandardKey.Paste) && bar.acceptsFiles) {
                         const paths = menus.pastedFiles()
@@ -289,6 +305,8 @@ FocusScope {
         DropArea {
             anchors.fill: parent
             enabled: bar.acceptsFiles && !bar.disabled
+            // Only files: dragged text still goes into the editor.
+            keys: ["text/uri-list"]
             onDropped: drop => {
                 const paths = menus.localFiles(drop.urls)
                 if (paths.length > 0) {
