@@ -142,13 +142,27 @@ public:
         return found;
     }
 
-    // Kestro's application node under the desktop, if it registered yet.
+    // Kestro's application node, if it is on the bus yet. Every application
+    // on the accessibility bus has its root at the same path; asking each
+    // one does not depend on the registry having heard of it.
     std::optional<Node> kestro() const
     {
-        const Node desktop{u"org.a11y.atspi.Registry"_s, u"/org/a11y/atspi/accessible/root"_s};
-        for (const Node& app : children(desktop))
-            if (read(app).name == QLatin1String("Kestro"))
-                return app;
+        const QDBusMessage names = m_bus.call(QDBusMessage::createMethodCall(
+            u"org.freedesktop.DBus"_s, u"/org/freedesktop/DBus"_s, u"org.freedesktop.DBus"_s, u"ListNames"_s));
+        if (names.type() != QDBusMessage::ReplyMessage || names.arguments().isEmpty())
+            return std::nullopt;
+        for (const QString& name : names.arguments().first().toStringList()) {
+            if (!name.startsWith(u':') || name == m_bus.baseService())
+                continue;
+            const Node root{name, u"/org/a11y/atspi/accessible/root"_s};
+            const QDBusMessage reply =
+                m_bus.call(QDBusMessage::createMethodCall(name, root.path, u"org.freedesktop.DBus.Properties"_s,
+                                                          u"Get"_s)
+                               << u"org.a11y.atspi.Accessible"_s << u"Name"_s,
+                           QDBus::Block, 1000);
+            if (textOf(reply) == QLatin1String("Kestro"))
+                return root;
+        }
         return std::nullopt;
     }
 
