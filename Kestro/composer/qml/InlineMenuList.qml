@@ -70,6 +70,7 @@ Rectangle {
             required property string badge
             required property string tip
             required property bool mono
+            required property string face
             width: rows.width
             height: menu.rowHeight
             Accessible.role: Accessible.MenuItem
@@ -83,6 +84,16 @@ Rectangle {
                 anchors.verticalCenter: parent.verticalCenter
                 name: row.label
                 size: 18
+                // The person's picture over the initial, once it has loaded.
+                Image {
+                    anchors.fill: parent
+                    visible: status === Image.Ready
+                    source: row.face
+                    sourceSize.width: 36
+                    sourceSize.height: 36
+                    fillMode: Image.PreserveAspectCrop
+                    asynchronous: true
+                }
             }
             Icon {
                 visible: menu.model.menuLabel === "Link a doc"
@@ -124,11 +135,15 @@ Rectangle {
                 font.pixelSize: 11
             }
             MouseArea {
+                id: pointer
                 anchors.fill: parent
                 hoverEnabled: true
                 onEntered: menu.model.hover(row.index)
                 onClicked: menu.model.pick(row.index)
             }
+            ToolTip.visible: row.tip.length > 0 && pointer.containsMouse
+            ToolTip.delay: 700
+            ToolTip.text: row.tip
         }
     }
 }
