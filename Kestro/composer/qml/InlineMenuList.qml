@@ -31,22 +31,13 @@ Rectangle {
         elide: Text.ElideRight
     }
 
-    // The glide: one highlight that moves to the active row rather than one
-    // per row, so the eye follows it; it jumps when motion is reduced.
-    Rectangle {
-        id: glide
+    Glide {
         objectName: "glide"
         visible: rows.count > 0
         x: rows.x
-        y: rows.y + menu.model.activeRow * menu.rowHeight - rows.contentY
+        rowY: rows.y + menu.model.activeRow * menu.rowHeight - rows.contentY
         width: rows.width
         height: menu.rowHeight
-        radius: 7
-        color: Theme.selected
-        Behavior on y {
-            enabled: !Theme.reduceMotion
-            NumberAnimation { duration: 120; easing.type: Easing.OutCubic }
-        }
     }
 
     ListView {
