@@ -84,7 +84,7 @@ ActivityPage::ActivityPage(QObject* parent, Timers& timers)
            {"title", [](const ActivityResultRunning& r) { return QVariant(r.title); }},
            {"doing", [](const ActivityResultRunning& r) { return QVariant(r.doing.value_or(QString())); }},
            {"href", [](const ActivityResultRunning& r) { return QVariant(r.href); }},
-           {"since", [](const ActivityResultRunning& r) { return QVariant(relativeTime(r.startedAt)); }, true}},
+           {"startedAt", [](const ActivityResultRunning& r) { return QVariant(r.startedAt); }}},
           this)),
       m_today(new KeyedList<ActivityResultItem>(
           [](const ActivityResultItem& r) { return r.id; },

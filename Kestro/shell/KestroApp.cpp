@@ -35,6 +35,7 @@
 Q_IMPORT_QML_PLUGIN(Kestro_ShellPlugin)
 Q_IMPORT_QML_PLUGIN(Kestro_PagesPlugin)
 Q_IMPORT_QML_PLUGIN(Kestro_ComposerPlugin)
+Q_IMPORT_QML_PLUGIN(Kestro_AgentWorkPlugin)
 
 namespace Kestro {
 

@@ -5,6 +5,7 @@ import QtQuick
 import QtQuick.Controls.Basic
 import QtQuick.Layouts
 import Kestro.Controls
+import Kestro.AgentWork
 import Kestro.Pages
 
 // Home ("/activity"): a greeting, what waits for the user, the teammates at
@@ -152,14 +153,22 @@ Item {
             }
             Repeater {
                 model: activity.needsYou ? null : activity.running
-                delegate: ListRow {
+                delegate: Column {
+                    id: runningRow
                     required property var model
                     Layout.fillWidth: true
-                    face: model.name
-                    title: model.name + " is on " + model.title
-                    subtitle: model.doing
-                    note: model.since
-                    onClicked: activity.open(model.href)
+                    ListRow {
+                        width: parent.width
+                        face: runningRow.model.name
+                        title: runningRow.model.name + " is on " + runningRow.model.title
+                        onClicked: activity.open(runningRow.model.href)
+                    }
+                    // What it is doing now, and for how long.
+                    Working {
+                        x: 44
+                        label: runningRow.model.doing.length > 0 ? runningRow.model.doing : "Working"
+                        since: runningRow.model.startedAt
+                    }
                 }
             }
 
