@@ -30,9 +30,10 @@ QByteArray makeAnswer(int changed)
     for (int i = 0; i < records; ++i) {
         if (i > 0)
             out += ',';
-        out += QStringLiteral(R"({"id":"a%1","kind":"task","actor":{"type":"agent","id":"ag%2","name":"Iris",)"
-                              R"("handle":"iris"},"verb":"finished","title":"Sent the weekly digest to segment %1%3",)"
-                              R"("text":{"$undefined":true},"href":"/tasks/KES-%1","at":"2026-11-23T09:%4:00.000Z"})")
+        out += QStringLiteral(
+                   R"({"id":"a%1","kind":"task","actor":{"type":"agent","id":"ag%2","name":"Iris",)"
+                   R"("handle":"iris"},"verb":"finished","title":"Sent the weekly digest to segment %1%3",)"
+                   R"("text":{"$undefined":true},"href":"/tasks/KES-%1","at":"2026-11-23T09:%4:00.000Z"})")
                    .arg(i)
                    .arg(i % 7)
                    .arg(i == changed ? QStringLiteral(" (again)") : QString())
@@ -77,7 +78,8 @@ int main(int argc, char** argv)
     qsizetype sink = 0;
 
     int turn = 0;
-    const double decodeOnly = 1000 * medianMillis(rounds, [&] { sink += decode(answers[turn++ % 2]).size(); });
+    const double decodeOnly =
+        1000 * medianMillis(rounds, [&] { sink += decode(answers[turn++ % 2]).size(); });
 
     auto list = makeList();
     list->apply(decode(answers[0]));
@@ -105,9 +107,9 @@ int main(int argc, char** argv)
         << "decode alone:             " << decodeOnly << " us (median)\n"
         << "decode + apply to model:  " << reload << " us (median)\n"
         << "ratio: " << QString::number(reload / decodeOnly, 'f', 2) << "x (goal: at most 1.5x)\n"
-        << "signals per reload: " << double(sent) / rounds << ", dataChanged per reload: "
-        << double(changes) / rounds << ", rows touched per reload: " << double(rowsTouched) / rounds
-        << " (goal: exactly 1 each)\n"
+        << "signals per reload: " << double(sent) / rounds
+        << ", dataChanged per reload: " << double(changes) / rounds
+        << ", rows touched per reload: " << double(rowsTouched) / rounds << " (goal: exactly 1 each)\n"
         << "(checksum " << sink << ")\n";
     return sent == rounds && changes == rounds && rowsTouched == rounds ? 0 : 1;
 }

@@ -8,12 +8,10 @@
 #include "DevServiceProcess.h"
 #include "StoredSignIn.h"
 
-
 #include <QCoreApplication>
 #include <QElapsedTimer>
 #include <QProcess>
 #include <QTextStream>
-
 
 namespace {
 

@@ -92,8 +92,7 @@ QString summary(const Model::RunTrace& trace, const QDateTime& now)
 {
     const QString count = stepCount(countSteps(trace));
     const QDateTime started = QDateTime::fromString(trace.startedAt, Qt::ISODateWithMs);
-    const QDateTime ended =
-        trace.endedAt ? QDateTime::fromString(*trace.endedAt, Qt::ISODateWithMs) : now;
+    const QDateTime ended = trace.endedAt ? QDateTime::fromString(*trace.endedAt, Qt::ISODateWithMs) : now;
     const bool timed = started.isValid() && ended.isValid() && started <= ended;
     const QString took = timed ? durationText(double(started.msecsTo(ended)) / 1000.0) : QString();
     if (trace.status == QLatin1String("failed")) {

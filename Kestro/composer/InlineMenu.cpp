@@ -46,7 +46,8 @@ Picked pick(const QString& text, const InlineHit& hit, const InlineOption& optio
     const QString after = text.mid(hit.to);
     if (spaceAfter && !after.startsWith(QLatin1Char(' ')))
         insert += QLatin1Char(' ');
-    const int caret = hit.from + int(insert.size()) + (spaceAfter && after.startsWith(QLatin1Char(' ')) ? 1 : 0);
+    const int caret =
+        hit.from + int(insert.size()) + (spaceAfter && after.startsWith(QLatin1Char(' ')) ? 1 : 0);
     return {text.left(hit.from) + insert + after, caret};
 }
 
@@ -57,7 +58,13 @@ QList<InlineOption> mentionOptions(const QList<Mention>& candidates, const QStri
     for (const Mention& m : candidates) {
         if (!m.handle.startsWith(typed) && !m.name.toLower().contains(typed))
             continue;
-        out.append({m.handle, QLatin1Char('@') + m.handle, false, QLatin1Char('@') + m.handle, {}, {}, m.avatar,
+        out.append({m.handle,
+                    QLatin1Char('@') + m.handle,
+                    false,
+                    QLatin1Char('@') + m.handle,
+                    {},
+                    {},
+                    m.avatar,
                     m.name});
         if (out.size() == maxMentions)
             break;

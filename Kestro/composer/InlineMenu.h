@@ -11,13 +11,13 @@ namespace Kestro {
 
 // One row of an inline menu.
 struct InlineOption {
-    QString key;    // identity
-    QString insert; // replaces the trigger and the query when picked
+    QString key;       // identity
+    QString insert;    // replaces the trigger and the query when picked
     bool mono = false; // the label in the monospaced font
     QString hint;
     QString badge;
     QString tip;
-    QString face; // avatar address of a person or teammate
+    QString face;  // avatar address of a person or teammate
     QString label; // the row's text
     bool operator==(const InlineOption&) const = default;
 };

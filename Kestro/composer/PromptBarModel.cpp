@@ -36,25 +36,29 @@ InlineOption optionOf(const QVariantMap& map)
     QString key = textOf(map, "key");
     if (key.isEmpty())
         key = textOf(map, "insert") + QLatin1Char('\n') + textOf(map, "label");
-    return {key,  textOf(map, "insert"), map.value(QStringLiteral("mono")).toBool(),
-            textOf(map, "hint"), textOf(map, "badge"),  textOf(map, "tip"),
-            textOf(map, "face"), textOf(map, "label")};
+    return {key,
+            textOf(map, "insert"),
+            map.value(QStringLiteral("mono")).toBool(),
+            textOf(map, "hint"),
+            textOf(map, "badge"),
+            textOf(map, "tip"),
+            textOf(map, "face"),
+            textOf(map, "label")};
 }
 
 } // namespace
 
 PromptBarModel::PromptBarModel(QObject* parent)
-    : QObject(parent),
-      m_options(new KeyedList<InlineOption>(
-          [](const InlineOption& o) { return o.key; },
-          {{"label", [](const InlineOption& o) { return QVariant(o.label); }},
-           {"insert", [](const InlineOption& o) { return QVariant(o.insert); }},
-           {"mono", [](const InlineOption& o) { return QVariant(o.mono); }},
-           {"hint", [](const InlineOption& o) { return QVariant(o.hint); }},
-           {"badge", [](const InlineOption& o) { return QVariant(o.badge); }},
-           {"tip", [](const InlineOption& o) { return QVariant(o.tip); }},
-           {"face", [](const InlineOption& o) { return QVariant(o.face); }}},
-          this))
+    : QObject(parent), m_options(new KeyedList<InlineOption>(
+                           [](const InlineOption& o) { return o.key; },
+                           {{"label", [](const InlineOption& o) { return QVariant(o.label); }},
+                            {"insert", [](const InlineOption& o) { return QVariant(o.insert); }},
+                            {"mono", [](const InlineOption& o) { return QVariant(o.mono); }},
+                            {"hint", [](const InlineOption& o) { return QVariant(o.hint); }},
+                            {"badge", [](const InlineOption& o) { return QVariant(o.badge); }},
+                            {"tip", [](const InlineOption& o) { return QVariant(o.tip); }},
+                            {"face", [](const InlineOption& o) { return QVariant(o.face); }}},
+                           this))
 {
     connect(this, &PromptBarModel::sourcesChanged, this, [this] {
         m_sources = buildSources();
@@ -80,7 +84,9 @@ QList<InlineSource> PromptBarModel::buildSources() const
     // Skills, documents (when linked), mentions (when any), then the
     // caller's own, in that order.
     QList<InlineSource> out;
-    out.append({InlineMenu::skillPattern(), {}, QStringLiteral("Pick a skill"),
+    out.append({InlineMenu::skillPattern(),
+                {},
+                QStringLiteral("Pick a skill"),
                 [this](const QString& typed) {
                     if (!m_skills)
                         return QList<InlineOption>();
@@ -95,18 +101,22 @@ QList<InlineSource> PromptBarModel::buildSources() const
                 // again on what was just picked.
                 true});
     if (m_docLinks)
-        out.append({InlineMenu::documentPattern(), {}, QStringLiteral("Link a doc"),
+        out.append({InlineMenu::documentPattern(),
+                    {},
+                    QStringLiteral("Link a doc"),
                     [this](const QString& typed) {
                         return m_documents ? InlineMenu::documentOptions(*m_documents, typed)
                                            : QList<InlineOption>();
                     },
                     false});
     else
-        out.append({QRegularExpression(QStringLiteral("(?!)")), {}, {}, {}, false}); // keeps the kinds' places
+        out.append(
+            {QRegularExpression(QStringLiteral("(?!)")), {}, {}, {}, false}); // keeps the kinds' places
     if (!m_mentions.isEmpty())
         out.append({InlineMenu::mentionPattern(), m_mentionLabel + QStringLiteral(". Enter picks"),
                     QStringLiteral("Mention"),
-                    [this](const QString& typed) { return InlineMenu::mentionOptions(m_mentions, typed); }, true});
+                    [this](const QString& typed) { return InlineMenu::mentionOptions(m_mentions, typed); },
+                    true});
     else
         out.append({QRegularExpression(QStringLiteral("(?!)")), {}, {}, {}, false});
     for (const QVariant& v : m_extra) {
@@ -114,16 +124,17 @@ QList<InlineSource> PromptBarModel::buildSources() const
         QList<InlineOption> options;
         for (const QVariant& o : source.value(QStringLiteral("options")).toList())
             options.append(optionOf(o.toMap()));
-        out.append({QRegularExpression(textOf(source, "pattern"), QRegularExpression::UseUnicodePropertiesOption),
-                    textOf(source, "title"), textOf(source, "label"),
-                    [options](const QString& typed) {
-                        QList<InlineOption> kept;
-                        for (const InlineOption& o : options)
-                            if (o.label.contains(typed, Qt::CaseInsensitive))
-                                kept.append(o);
-                        return kept;
-                    },
-                    false});
+        out.append(
+            {QRegularExpression(textOf(source, "pattern"), QRegularExpression::UseUnicodePropertiesOption),
+             textOf(source, "title"), textOf(source, "label"),
+             [options](const QString& typed) {
+                 QList<InlineOption> kept;
+                 for (const InlineOption& o : options)
+                     if (o.label.contains(typed, Qt::CaseInsensitive))
+                         kept.append(o);
+                 return kept;
+             },
+             false});
     }
     return out;
 }
@@ -163,7 +174,8 @@ void PromptBarModel::edited(const QString& text, int caret, const QString& preed
 void PromptBarModel::rematch()
 {
     // source -1: nothing matched.
-    InlineHit hit = (m_dismissed ? std::nullopt : InlineMenu::match(m_sources, m_beforeCaret)).value_or(InlineHit{});
+    InlineHit hit =
+        (m_dismissed ? std::nullopt : InlineMenu::match(m_sources, m_beforeCaret)).value_or(InlineHit{});
     if (hit.source == SkillSource)
         loadSkills();
     if (hit.source == DocumentSource)
@@ -364,9 +376,9 @@ QStringList PromptBarModel::pastedFiles() const
 bool PromptBarModel::clipboardHasFiles() const
 {
     const QMimeData* data = QGuiApplication::clipboard()->mimeData();
-    return data && ((data->hasUrls() && !localFiles(urlList(data->urls())).isEmpty()) ||
-                    data->hasImage() || data->hasFormat(QStringLiteral("image/png")) ||
-                    data->hasFormat(QStringLiteral("image/tiff")));
+    return data &&
+           ((data->hasUrls() && !localFiles(urlList(data->urls())).isEmpty()) || data->hasImage() ||
+            data->hasFormat(QStringLiteral("image/png")) || data->hasFormat(QStringLiteral("image/tiff")));
 }
 
 QStringList PromptBarModel::localFiles(const QVariantList& urls)
@@ -388,7 +400,8 @@ QString PromptBarModel::readOnlyNotice(const QString& role, const QStringList& a
         return QStringLiteral(
             "You're an approver here, so you decide what waits on people and write nothing else.");
     if (role == QLatin1String("guest"))
-        return QStringLiteral("You're a guest here, so you can read and comment on what someone shared with you.");
+        return QStringLiteral(
+            "You're a guest here, so you can read and comment on what someone shared with you.");
     return QStringLiteral("You're a viewer here, so you can read but not write.");
 }
 

@@ -2,8 +2,8 @@
 
 #include <QDateTime>
 #include <QObject>
-#include <QTimer>
 #include <QString>
+#include <QTimer>
 
 namespace Kestro {
 

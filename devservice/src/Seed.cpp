@@ -328,12 +328,10 @@ void seed(Service& service)
             store.put("skill", std::string("w1:") + skill[0], "w1", record);
         }
         // A document's id is its slug: the "#" menu links "/documents/<slug>".
-        const char* docs[][2] = {{"brand-voice", "Brand voice"},
-                                 {"launch-checklist", "Launch checklist"},
-                                 {"pricing-notes", "Pricing notes"},
-                                 {"onboarding-guide", "Onboarding guide"},
-                                 {"q4-plan", "Q4 plan: focus and bets"},
-                                 {"incident-runbook", "Incident runbook"}};
+        const char* docs[][2] = {
+            {"brand-voice", "Brand voice"},         {"launch-checklist", "Launch checklist"},
+            {"pricing-notes", "Pricing notes"},     {"onboarding-guide", "Onboarding guide"},
+            {"q4-plan", "Q4 plan: focus and bets"}, {"incident-runbook", "Incident runbook"}};
         for (const auto& doc : docs)
             store.put("document", doc[0], "w1", {{"kind", "doc"}, {"id", doc[0]}, {"title", doc[1]}});
 

@@ -34,8 +34,8 @@ struct Seen {
 };
 
 // The roles of things a user acts on.
-const QStringList actionable = {u"push button"_s, u"toggle button"_s, u"check box"_s, u"radio button"_s,
-                                u"link"_s,        u"menu item"_s,     u"entry"_s,     u"combo box"_s,
+const QStringList actionable = {u"push button"_s, u"toggle button"_s, u"check box"_s,  u"radio button"_s,
+                                u"link"_s,        u"menu item"_s,     u"entry"_s,      u"combo box"_s,
                                 u"page tab"_s,    u"slider"_s,        u"spin button"_s};
 
 // The AT-SPI state bits this test reads.
@@ -147,8 +147,9 @@ public:
     // one does not depend on the registry having heard of it.
     std::optional<Node> kestro() const
     {
-        const QDBusMessage names = m_bus.call(QDBusMessage::createMethodCall(
-            u"org.freedesktop.DBus"_s, u"/org/freedesktop/DBus"_s, u"org.freedesktop.DBus"_s, u"ListNames"_s));
+        const QDBusMessage names =
+            m_bus.call(QDBusMessage::createMethodCall(u"org.freedesktop.DBus"_s, u"/org/freedesktop/DBus"_s,
+                                                      u"org.freedesktop.DBus"_s, u"ListNames"_s));
         if (names.type() != QDBusMessage::ReplyMessage || names.arguments().isEmpty())
             return std::nullopt;
         for (const QString& name : names.arguments().first().toStringList()) {
@@ -156,8 +157,8 @@ public:
                 continue;
             const Node root{name, u"/org/a11y/atspi/accessible/root"_s};
             const QDBusMessage reply =
-                m_bus.call(QDBusMessage::createMethodCall(name, root.path, u"org.freedesktop.DBus.Properties"_s,
-                                                          u"Get"_s)
+                m_bus.call(QDBusMessage::createMethodCall(name, root.path,
+                                                          u"org.freedesktop.DBus.Properties"_s, u"Get"_s)
                                << u"org.a11y.atspi.Accessible"_s << u"Name"_s,
                            QDBus::Block, 1000);
             if (textOf(reply) == QLatin1String("Kestro"))

@@ -89,13 +89,33 @@ private slots:
     // Every icon the rules name is drawn by the app's icon set.
     void namesOnlyIconsTheAppHas()
     {
-        const QStringList tools = {u"login"_s, u"browser"_s, u"search_places"_s, u"search_news"_s,
-                                   u"search_web"_s, u"capture_screen"_s, u"make_card"_s, u"make_image"_s,
-                                   u"find_photo"_s, u"put_pictures"_s, u"read_web_page"_s, u"use_skill"_s,
-                                   u"handoff"_s, u"stripe_charges"_s, u"open_incident"_s, u"run_test"_s,
-                                   u"research"_s, u"canvas"_s, u"lead_list"_s, u"call_transcript"_s,
-                                   u"send_email"_s, u"repo_diff"_s, u"create_task"_s, u"remember"_s,
-                                   u"draft_post"_s, u"hire"_s, u"x"_s};
+        const QStringList tools = {u"login"_s,
+                                   u"browser"_s,
+                                   u"search_places"_s,
+                                   u"search_news"_s,
+                                   u"search_web"_s,
+                                   u"capture_screen"_s,
+                                   u"make_card"_s,
+                                   u"make_image"_s,
+                                   u"find_photo"_s,
+                                   u"put_pictures"_s,
+                                   u"read_web_page"_s,
+                                   u"use_skill"_s,
+                                   u"handoff"_s,
+                                   u"stripe_charges"_s,
+                                   u"open_incident"_s,
+                                   u"run_test"_s,
+                                   u"research"_s,
+                                   u"canvas"_s,
+                                   u"lead_list"_s,
+                                   u"call_transcript"_s,
+                                   u"send_email"_s,
+                                   u"repo_diff"_s,
+                                   u"create_task"_s,
+                                   u"remember"_s,
+                                   u"draft_post"_s,
+                                   u"hire"_s,
+                                   u"x"_s};
         QSet<QString> icons;
         for (const QString& tool : tools)
             icons.insert(TraceRules::toolIcon(tool));
@@ -117,7 +137,8 @@ private slots:
         QCOMPARE(TraceRules::header(done), QString());
         const auto stopped = trace(u"failed"_s, {{step(u"x"_s, u"failed"_s)}}, u"2026-11-23T10:00:40.000Z"_s);
         QCOMPARE(TraceRules::summary(stopped, now), u"Stopped after 40 s · 1 step"_s);
-        QCOMPARE(TraceRules::summary(trace(u"failed"_s, {{step(u"x"_s, u"failed"_s)}}), now), u"Stopped 1 step"_s);
+        QCOMPARE(TraceRules::summary(trace(u"failed"_s, {{step(u"x"_s, u"failed"_s)}}), now),
+                 u"Stopped 1 step"_s);
         auto unknown = done;
         unknown.startedAt = u"not a time"_s;
         QCOMPARE(TraceRules::summary(unknown, now), u"2 steps"_s);
@@ -133,8 +154,9 @@ private slots:
     void foldsRunsOfPageReads()
     {
         // Three done reads with chips, across two rounds: one row.
-        const auto three = trace(u"done"_s, {{step(u"browser"_s, u"done"_s), step(u"read_web_page"_s, u"done"_s)},
-                                             {step(u"browser"_s, u"done"_s)}});
+        const auto three =
+            trace(u"done"_s, {{step(u"browser"_s, u"done"_s), step(u"read_web_page"_s, u"done"_s)},
+                              {step(u"browser"_s, u"done"_s)}});
         const auto folded = TraceRules::rows(three);
         QCOMPARE(folded.size(), 1);
         QCOMPARE(folded[0].label, u"Read 3 pages"_s);
@@ -142,14 +164,15 @@ private slots:
         QCOMPARE(folded[0].steps.size(), 3);
 
         // A failed read, a read without a chip or another tool splits it.
-        const auto split = trace(u"done"_s, {{step(u"browser"_s, u"done"_s), step(u"browser"_s, u"failed"_s),
-                                              step(u"browser"_s, u"done"_s), step(u"browser"_s, u"done"_s, false),
-                                              step(u"search_web"_s, u"done"_s), step(u"browser"_s, u"done"_s)}});
+        const auto split =
+            trace(u"done"_s, {{step(u"browser"_s, u"done"_s), step(u"browser"_s, u"failed"_s),
+                               step(u"browser"_s, u"done"_s), step(u"browser"_s, u"done"_s, false),
+                               step(u"search_web"_s, u"done"_s), step(u"browser"_s, u"done"_s)}});
         QStringList labels;
         for (const auto& row : TraceRules::rows(split))
             labels.append(row.label);
-        QCOMPARE(labels, (QStringList{u"Read 1 page"_s, u"browser call"_s, u"Read 1 page"_s, u"browser call"_s,
-                                      u"search_web call"_s, u"Read 1 page"_s}));
+        QCOMPARE(labels, (QStringList{u"Read 1 page"_s, u"browser call"_s, u"Read 1 page"_s,
+                                      u"browser call"_s, u"search_web call"_s, u"Read 1 page"_s}));
     }
 
     void marksStepStatuses()

@@ -117,8 +117,8 @@ private slots:
     void keepsMentionsInTheSuppliedOrder()
     {
         const QList<InlineMenu::Mention> people = {
-            {u"nova"_s, u"Nova"_s, {}},       {u"quill"_s, u"Quill"_s, {}}, {u"maya"_s, u"Maya Lindqvist"_s, {}},
-            {u"atlas"_s, u"Atlas"_s, {}},     {u"forge"_s, u"Forge"_s, {}}, {u"pixel"_s, u"Pixel"_s, {}},
+            {u"nova"_s, u"Nova"_s, {}},    {u"quill"_s, u"Quill"_s, {}}, {u"maya"_s, u"Maya Lindqvist"_s, {}},
+            {u"atlas"_s, u"Atlas"_s, {}},  {u"forge"_s, u"Forge"_s, {}}, {u"pixel"_s, u"Pixel"_s, {}},
             {u"ledger"_s, u"Ledger"_s, {}}};
         // An empty query: the first six as supplied.
         QCOMPARE(keysOf(InlineMenu::mentionOptions(people, {})),
@@ -138,7 +138,8 @@ private slots:
                                                   {u"launch"_s, u"Launch checklist"_s},
                                                   {u"brand"_s, u"Brand [voice] \\ tone"_s},
                                                   {u"plan"_s, u"Plan the launch"_s}};
-        QCOMPARE(keysOf(InlineMenu::documentOptions(docs, u"LAUNCH"_s)), (QStringList{u"launch"_s, u"plan"_s}));
+        QCOMPARE(keysOf(InlineMenu::documentOptions(docs, u"LAUNCH"_s)),
+                 (QStringList{u"launch"_s, u"plan"_s}));
         QCOMPARE(keysOf(InlineMenu::documentOptions(docs, {})).size(), 4);
         // Brackets in a title cannot end the link's text early.
         QCOMPARE(InlineMenu::documentOptions(docs, u"brand"_s).first().insert,

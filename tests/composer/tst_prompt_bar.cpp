@@ -173,8 +173,9 @@ private slots:
     {
         QMetaObject::invokeMethod(
             menus(), "setSkills",
-            Q_ARG(QVariantList, (QVariantList{QVariantMap{{u"id"_s, u"summarize"_s}, {u"name"_s, u"Summarize"_s}},
-                                              QVariantMap{{u"id"_s, u"review-pr"_s}, {u"agent"_s, u"forge"_s}}})));
+            Q_ARG(QVariantList,
+                  (QVariantList{QVariantMap{{u"id"_s, u"summarize"_s}, {u"name"_s, u"Summarize"_s}},
+                                QVariantMap{{u"id"_s, u"review-pr"_s}, {u"agent"_s, u"forge"_s}}})));
         type(u"/su"_s);
         QTRY_VERIFY(menus()->property("menuOpen").toBool());
         key(Qt::Key_Return);

@@ -15,13 +15,13 @@
 #include <QFile>
 #include <QGuiApplication>
 #include <QPainter>
-#include <QThread>
 #include <QQmlComponent>
 #include <QQmlEngine>
 #include <QQuickItem>
 #include <QQuickItemGrabResult>
 #include <QQuickWindow>
 #include <QTextStream>
+#include <QThread>
 #include <QtQml/qqmlextensionplugin.h>
 
 #include <cstdio>
@@ -47,8 +47,8 @@ Q_IMPORT_QML_PLUGIN(Kestro_ComposerPlugin)
 // Draws the prompt bar in each state into one sheet per theme.
 int composerSheets(QQmlEngine& engine, const QString& outDir)
 {
-    const QStringList states = {u"empty"_s,   u"text"_s,     u"mention"_s, u"document"_s, u"skill"_s,
-                                u"caller"_s,  u"pending"_s,  u"disabled"_s, u"stacked"_s, u"quiet"_s,
+    const QStringList states = {u"empty"_s,    u"text"_s,    u"mention"_s,  u"document"_s, u"skill"_s,
+                                u"caller"_s,   u"pending"_s, u"disabled"_s, u"stacked"_s,  u"quiet"_s,
                                 u"approver"_s, u"guest"_s,   u"viewer"_s};
     QQmlComponent component(&engine, QUrl(u"qrc:/gallery/ComposerGallery.qml"_s));
     if (component.isError()) {
