@@ -32,6 +32,9 @@ struct InlineSource {
     std::function<QList<InlineOption>(const QString& typed)> options;
     // A mention is followed by a space when picked.
     bool spaceAfter = false;
+    // The owner's own name for the source (which list it loads, which
+    // heading it shows).
+    int tag = 0;
 };
 
 // What a text before the caret matched: the source, the query typed and

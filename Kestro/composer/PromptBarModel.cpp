@@ -99,7 +99,7 @@ QList<InlineSource> PromptBarModel::buildSources() const
                 },
                 // A space after the skill, so the "/" menu does not open
                 // again on what was just picked.
-                true});
+                true, SkillSource});
     if (m_docLinks)
         out.append({InlineMenu::documentPattern(),
                     {},
@@ -108,17 +108,12 @@ QList<InlineSource> PromptBarModel::buildSources() const
                         return m_documents ? InlineMenu::documentOptions(*m_documents, typed)
                                            : QList<InlineOption>();
                     },
-                    false});
-    else
-        out.append(
-            {QRegularExpression(QStringLiteral("(?!)")), {}, {}, {}, false}); // keeps the kinds' places
+                    false, DocumentSource});
     if (!m_mentions.isEmpty())
         out.append({InlineMenu::mentionPattern(), m_mentionLabel + QStringLiteral(". Enter picks"),
                     QStringLiteral("Mention"),
                     [this](const QString& typed) { return InlineMenu::mentionOptions(m_mentions, typed); },
-                    true});
-    else
-        out.append({QRegularExpression(QStringLiteral("(?!)")), {}, {}, {}, false});
+                    true, MentionSource});
     for (const QVariant& v : m_extra) {
         const QVariantMap source = v.toMap();
         QList<InlineOption> options;
@@ -143,7 +138,7 @@ QString PromptBarModel::menuTitle() const
 {
     if (!m_hit)
         return {};
-    switch (m_hit->source) {
+    switch (m_sources.value(m_hit->source).tag) {
     case SkillSource:
         return m_skills ? QStringLiteral("Skills. Keep typing to filter. Enter picks")
                         : QStringLiteral("Loading the skills");
@@ -176,16 +171,16 @@ void PromptBarModel::rematch()
     // source -1: nothing matched.
     InlineHit hit =
         (m_dismissed ? std::nullopt : InlineMenu::match(m_sources, m_beforeCaret)).value_or(InlineHit{});
-    if (hit.source == SkillSource)
+    const int tag = hit.source >= 0 ? m_sources[hit.source].tag : -1;
+    if (tag == SkillSource)
         loadSkills();
-    if (hit.source == DocumentSource)
+    if (tag == DocumentSource)
         loadDocuments();
     const QList<InlineOption> options =
         hit.source >= 0 ? m_sources[hit.source].options(hit.typed) : QList<InlineOption>();
     // A loaded list with nothing that matches closes the menu; a list
     // still loading keeps it open with its loading heading.
-    const bool loading =
-        (hit.source == SkillSource && !m_skills) || (hit.source == DocumentSource && !m_documents);
+    const bool loading = (tag == SkillSource && !m_skills) || (tag == DocumentSource && !m_documents);
     if (options.isEmpty() && !loading)
         hit.source = -1;
     const bool sameSource = hit.source == (m_hit ? m_hit->source : -1);

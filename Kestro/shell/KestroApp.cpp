@@ -78,9 +78,13 @@ KestroApp::KestroApp(QObject* parent) : QObject(parent)
     WebAuthSession* session = m_authSession.get();
     desktop.authenticate = [this, session](QUrl authorize) {
         // The sheet's view needs the engine, which must start before any
-        // view exists (it learns the "kestro" scheme then).
-        m_webViews->start();
-        return session->authenticate(std::move(authorize));
+        // view exists (it learns the "kestro" scheme then). Without it the
+        // sign-in goes to the system browser.
+        const bool sheet = m_webViews->start();
+        QCoro::Task<std::optional<QUrl>> signIn = session->authenticate(std::move(authorize));
+        if (!sheet)
+            session->useBrowser();
+        return signIn;
     };
     desktop.clearWebSession = [this] { m_webViews->clearSession(); };
     m_app = std::make_unique<AppModel>(client, *m_router, std::move(desktop));

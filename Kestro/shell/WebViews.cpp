@@ -68,6 +68,10 @@ WebEngine* WebViews::engine()
         QTextStream(stderr) << error << '\n';
         return nullptr;
     }
+    if (m_clearPending) {
+        m_clearPending = false;
+        m_engine->clear();
+    }
     writeSessionCookie();
     return m_engine.get();
 }
@@ -180,10 +184,13 @@ void WebViews::writeSessionCookie()
 
 void WebViews::clearSession()
 {
-    // The engine is started for this if need be: the profile on disk keeps
-    // the cookies of earlier runs.
-    if (WebEngine* web = engine())
-        web->clear();
+    // A session of native pages never started the engine; the profile on
+    // disk still holds earlier runs' cookies, so the engine clears them the
+    // moment it starts, before any page or cookie of the next session.
+    if (m_engine)
+        m_engine->clear();
+    else
+        m_clearPending = true;
     if (!m_title.isEmpty()) {
         m_title.clear();
         emit titleChanged();

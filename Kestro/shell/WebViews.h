@@ -88,6 +88,7 @@ private:
     WebEngine* engine();
     std::unique_ptr<WebEngine> m_engine;
     bool m_engineFailed = false;
+    bool m_clearPending = false; // signed out before the engine ever started
     QList<QPointer<QQuickItem>> m_live;
     QString m_bridge;
     QString m_relay;

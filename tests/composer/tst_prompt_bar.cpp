@@ -11,6 +11,7 @@
 #include <QImage>
 #include <QInputMethodEvent>
 #include <QMimeData>
+#include <QProcess>
 #include <QQmlEngine>
 #include <QQuickItem>
 #include <QQuickView>
@@ -118,6 +119,27 @@ private slots:
         m_bar->setProperty("pending", true);
         key(Qt::Key_Enter);
         QCOMPARE(sent(), 1);
+    }
+
+    // The same keys from the X server, as a keyboard sends them (the
+    // platform's key mapping and focus take part).
+    void sendsWhatIsTypedOnTheKeyboard()
+    {
+        const QString window = QString::number(m_view->winId());
+        auto xdo = [&](const QStringList& args) {
+            QCOMPARE(QProcess::execute(u"xdotool"_s, {u"windowfocus"_s, u"--sync"_s, window}), 0);
+            QCOMPARE(QProcess::execute(u"xdotool"_s, args), 0);
+        };
+        xdo({u"type"_s, u"--delay"_s, u"15"_s, u"hi @qu"_s});
+        QTRY_VERIFY(menus()->property("menuOpen").toBool());
+        xdo({u"key"_s, u"Tab"_s});
+        QTRY_COMPARE(value(), u"hi @quill "_s);
+        xdo({u"key"_s, u"shift+Return"_s, u"x"_s});
+        QTRY_COMPARE(value(), u"hi @quill \nx"_s);
+        QCOMPARE(sent(), 0);
+        xdo({u"key"_s, u"Return"_s});
+        QTRY_COMPARE(sent(), 1);
+        QCOMPARE(m_view->rootObject()->property("lastSent").toString(), u"hi @quill \nx"_s);
     }
 
     void returnWhileComposingDoesNotSend()

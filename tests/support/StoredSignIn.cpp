@@ -4,7 +4,7 @@
 #include "service/BlockingWait.h"
 #include "service/KeychainStore.h"
 
-#include <QCoreApplication>
+#include <QEventLoop>
 #include <QNetworkAccessManager>
 #include <QNetworkReply>
 
@@ -12,20 +12,28 @@ namespace KestroTest {
 
 using namespace Kestro;
 
-void storeSignIn(const QUrl& origin)
+void signIn(Auth& auth)
 {
-    KeychainStore keychain{QString(Auth::keychainService)};
-    Auth auth(origin, keychain);
     const Authorization authorization = auth.begin(QString(Auth::redirectUri));
     QNetworkAccessManager network;
     QNetworkRequest request(authorization.url);
     request.setAttribute(QNetworkRequest::RedirectPolicyAttribute, QNetworkRequest::ManualRedirectPolicy);
-    QNetworkReply* reply = network.get(request);
-    while (!reply->isFinished())
-        QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents);
-    const QUrl callback(QString::fromUtf8(reply->rawHeader("Location")));
-    reply->deleteLater();
-    blockingWait(auth.finish(callback, authorization));
+    request.setTransferTimeout(10'000);
+    std::unique_ptr<QNetworkReply> reply(network.get(request));
+    QEventLoop loop;
+    QObject::connect(reply.get(), &QNetworkReply::finished, &loop, &QEventLoop::quit);
+    loop.exec();
+    const QByteArray location = reply->rawHeader("Location");
+    if (!location.startsWith("kestro://oauth/callback"))
+        qFatal("The sign-in at the local service did not come back.");
+    blockingWait(auth.finish(QUrl(QString::fromUtf8(location)), authorization));
+}
+
+void storeSignIn(const QUrl& origin)
+{
+    KeychainStore keychain{QString(Auth::keychainService)};
+    Auth auth(origin, keychain);
+    signIn(auth);
 }
 
 } // namespace KestroTest

@@ -2,13 +2,20 @@
 
 #include <QUrl>
 
+namespace Kestro {
+class Auth;
+}
+
 namespace KestroTest {
 
-// Signs in to the service at `origin` as the app would (authorize, follow
-// the redirect, exchange the code) and leaves the tokens in the keyring, so
-// an app launched afterwards starts signed in. Needs a Secret Service (run
-// under scripts/headless-session) and a service that approves by itself
-// (kestro-devservice --auto-approve).
+// Signs `auth` in at its service as the app would: authorize, take the
+// redirect's callback, exchange the code. The service must approve by
+// itself (kestro-devservice --auto-approve); the tokens land in the store
+// `auth` was given. Stops the program when the service does not answer so.
+void signIn(Kestro::Auth& auth);
+
+// The same into the Secret Service, so an app launched afterwards starts
+// signed in (run under scripts/headless-session).
 void storeSignIn(const QUrl& origin);
 
 } // namespace KestroTest

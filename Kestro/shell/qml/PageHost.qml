@@ -55,7 +55,8 @@ Item {
         // so what they share is read off a plain object.
         readonly property var shown: item
         anchors.fill: parent
-        // The frame paints first; a web page's engine starts right after.
+        // A web page's view is built off the frame's paint (the engine
+        // itself starts just before, in show()).
         asynchronous: host.page.kind === "web"
     }
 }

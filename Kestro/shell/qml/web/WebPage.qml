@@ -21,8 +21,12 @@ Item {
     objectName: "webPage"
 
     function show() {
-        failure = ""
         missing = false
+        if (!WebViews.start()) {
+            failure = "Kestro couldn't start its web view, so this page can't show. Reinstall Kestro, then try again."
+            return
+        }
+        failure = ""
         view.url = WebViews.addressOf(path)
     }
     onPathChanged: show()
