@@ -99,7 +99,8 @@ QList<InlineSource> PromptBarModel::buildSources() const
                 },
                 // A space after the skill, so the "/" menu does not open
                 // again on what was just picked.
-                true, SkillSource});
+                true,
+                SkillSource});
     if (m_docLinks)
         out.append({InlineMenu::documentPattern(),
                     {},
@@ -108,7 +109,8 @@ QList<InlineSource> PromptBarModel::buildSources() const
                         return m_documents ? InlineMenu::documentOptions(*m_documents, typed)
                                            : QList<InlineOption>();
                     },
-                    false, DocumentSource});
+                    false,
+                    DocumentSource});
     if (!m_mentions.isEmpty())
         out.append({InlineMenu::mentionPattern(), m_mentionLabel + QStringLiteral(". Enter picks"),
                     QStringLiteral("Mention"),

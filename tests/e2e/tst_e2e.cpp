@@ -19,8 +19,8 @@
 
 #include <QDir>
 #include <QFile>
-#include <QProcess>
 #include <QGuiApplication>
+#include <QProcess>
 #include <QQuickItem>
 #include <QQuickWindow>
 #include <QStandardPaths>
@@ -100,9 +100,10 @@ class TestEndToEnd : public QObject {
     {
         QQuickItem* it = item(name);
         QVERIFY2(it, qPrintable(name));
-        const QPoint at = window()->mapToGlobal(
-            it->mapToScene(QPointF(it->width() / 2, it->height() / 2)).toPoint());
-        xdo({u"mousemove"_s, u"--sync"_s, QString::number(at.x()), QString::number(at.y()), u"click"_s, u"1"_s});
+        const QPoint at =
+            window()->mapToGlobal(it->mapToScene(QPointF(it->width() / 2, it->height() / 2)).toPoint());
+        xdo({u"mousemove"_s, u"--sync"_s, QString::number(at.x()), QString::number(at.y()), u"click"_s,
+             u"1"_s});
     }
 
 private slots:
