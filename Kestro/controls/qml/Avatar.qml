@@ -1,10 +1,13 @@
 import QtQuick
 import Kestro.Controls
 
-// A round initial for a person or teammate, with an optional status dot.
+// A person's round initial, or a teammate's robot face (drawn from its
+// handle), with an optional status dot.
 Rectangle {
     id: avatar
     property string name
+    // A teammate's handle: its face instead of the initial.
+    property string robot
     property string status: ""
     property int size: 22
     width: size
@@ -17,8 +20,19 @@ Rectangle {
             h = (h * 31 + name.charCodeAt(i)) % 360
         return h / 360
     }
-    color: Qt.hsla(hue, 0.55, Theme.dark ? 0.38 : 0.62, 1)
+    color: robot.length > 0 ? "transparent" : Qt.hsla(hue, 0.55, Theme.dark ? 0.38 : 0.62, 1)
+    Accessible.role: Accessible.Graphic
+    Accessible.name: name
+    Image {
+        visible: avatar.robot.length > 0
+        anchors.fill: parent
+        source: visible ? "image://robot/" + avatar.robot + (Theme.dark ? "?dark" : "") : ""
+        sourceSize.width: avatar.size * 2
+        sourceSize.height: avatar.size * 2
+        smooth: true
+    }
     Text {
+        visible: avatar.robot.length === 0
         anchors.centerIn: parent
         text: avatar.name.length > 0 ? avatar.name.charAt(0).toUpperCase() : "?"
         color: "white"

@@ -174,6 +174,7 @@ Rectangle {
                             Avatar {
                                 Layout.leftMargin: sidebar.collapsed ? 6 : 7
                                 name: mate.modelData.name
+                                robot: mate.modelData.handle
                                 status: mate.modelData.status
                                 size: 20
                             }
