@@ -57,10 +57,6 @@ ApplicationWindow {
     Shortcut { sequences: ["Ctrl+["]; enabled: window.signedIn; onActivated: App.router.goBack() }
     Shortcut { sequences: ["Ctrl+]"]; enabled: window.signedIn; onActivated: App.router.goForward() }
     Shortcut { sequences: ["Ctrl+Shift+S"]; enabled: window.signedIn; onActivated: Shell.toggleSidebar() }
-    Shortcut { sequences: ["Ctrl+Shift+1", "Ctrl+!"]; enabled: window.signedIn; onActivated: App.router.open("/activity") }
-    Shortcut { sequences: ["Ctrl+Shift+2", "Ctrl+@"]; enabled: window.signedIn; onActivated: App.router.open("/activity?view=you") }
-    Shortcut { sequences: ["Ctrl+Shift+3", "Ctrl+#"]; enabled: window.signedIn; onActivated: App.router.open("/tasks") }
-    Shortcut { sequences: ["Ctrl+Shift+4", "Ctrl+$"]; enabled: window.signedIn; onActivated: App.router.open("/kest") }
     Shortcut { sequences: ["Ctrl+,"]; enabled: window.signedIn; onActivated: App.router.open("/settings") }
     Shortcut { sequences: ["Ctrl+Q"]; onActivated: Qt.quit() }
 
