@@ -7,7 +7,9 @@
 #include "IconProvider.h"
 #include "PageCatalog.h"
 #include "PaletteModel.h"
+#include "PlaceChords.h"
 #include "ResidentMemory.h"
+#include "RobotFace.h"
 #include "Router.h"
 #include "ShellState.h"
 #include "SingleInstance.h"
@@ -16,6 +18,7 @@
 #include "WebEngine.h"
 #include "WebViews.h"
 
+#include "agentwork/SiteIconProvider.h"
 #include "richtext/RichTextTypes.h"
 #include "service/Auth.h"
 #include "service/Client.h"
@@ -111,9 +114,19 @@ KestroApp::KestroApp(QObject* parent) : QObject(parent)
                 frame.value(QStringLiteral("counts")).toMap().value(QStringLiteral("notifications")).toInt());
     });
 
+    // The first four places answer to Ctrl+Shift and their digit key.
+    auto* chords = new PlaceChords(this);
+    qApp->installEventFilter(chords);
+    connect(chords, &PlaceChords::pressed, this, [this](int place) {
+        if (m_app->phase() == AppModel::Phase::SignedIn && place < PageCatalog::placeList().size())
+            m_router->open(PageCatalog::placeList()[place].path);
+    });
+
     m_engine = std::make_unique<QQmlApplicationEngine>();
     m_engine->addImportPath(QStringLiteral("qrc:/"));
     m_engine->addImageProvider(QStringLiteral("icon"), new IconProvider);
+    m_engine->addImageProvider(QStringLiteral("robot"), new RobotFaceProvider);
+    m_engine->addImageProvider(QStringLiteral("site"), new SiteIconProvider);
     addRichTextImageProviders(*m_engine);
 }
 

@@ -72,4 +72,13 @@ QVariant KeyedListModel::valueAt(int row, const QString& roleName) const
     return role < 0 ? QVariant() : roleValue(row, int(role));
 }
 
+void KeyedListModel::announce(const QString& key, const QByteArray& roleName)
+{
+    const int row = indexOf(key);
+    const int role = int(m_roleNames.indexOf(roleName));
+    if (row < 0 || role < 0)
+        return;
+    emit dataChanged(index(row), index(row), {qtRole(role)});
+}
+
 } // namespace Kestro

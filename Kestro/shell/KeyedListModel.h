@@ -36,6 +36,10 @@ public:
     // One role's value by its name, for views that read a row outside a
     // delegate (the palette's Enter, a test).
     Q_INVOKABLE QVariant valueAt(int row, const QString& roleName) const;
+    // Tells the views that one role of a row reads differently now although
+    // its record did not change (the role also reads state kept beside the
+    // records, such as a change shown before the service confirms it).
+    void announce(const QString& key, const QByteArray& roleName);
 
 signals:
     void countChanged();

@@ -19,6 +19,8 @@ struct Row {
 
 const Row table[] = {
     {"activity", Kind::Native, "ActivityPage.qml", "Home", "Needs you"},
+    {"kest", Kind::Native, "KestRoomPage.qml", "Kest chat"},
+    {"kest/*/runs/*", Kind::Native, "RunPage.qml", "Run"},
     // The product's other families are the service's own pages for now.
     {"analytics/**", Kind::Web, nullptr, "Analytics"},
     {"brain/**", Kind::Web, nullptr, "Brain"},

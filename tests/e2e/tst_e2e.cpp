@@ -1,6 +1,7 @@
 // The whole app, end to end, against the real local service on 127.0.0.1:
 // launch, sign in through the sheet, the frame, the palette, pages and
-// their links, Back and Forward, the bell, dark mode, switching workspace,
+// their links, Back and Forward, the kest chat (a message, its thread, a
+// teammate's answer and its run), the bell, dark mode, switching workspace,
 // signing out. Each state is saved as a PNG in the build tree to look at;
 // nothing is compared pixel by pixel. Any QML warning fails the test.
 
@@ -100,17 +101,42 @@ class TestEndToEnd : public QObject {
     {
         QQuickItem* it = item(name);
         QVERIFY2(it, qPrintable(name));
+        xclick(it);
+    }
+    void xclick(QQuickItem* it)
+    {
         const QPoint at =
             window()->mapToGlobal(it->mapToScene(QPointF(it->width() / 2, it->height() / 2)).toPoint());
         xdo({u"mousemove"_s, u"--sync"_s, QString::number(at.x()), QString::number(at.y()), u"click"_s,
              u"1"_s});
     }
 
+    // Every item drawn inside `in` (a view's delegates are not its object
+    // children).
+    static QList<QQuickItem*> drawnInside(QQuickItem* in)
+    {
+        QList<QQuickItem*> items;
+        for (QQuickItem* child : in->childItems())
+            items << child << drawnInside(child);
+        return items;
+    }
+    // A shown item called `name` drawn inside `in` (a shared control moves
+    // from item to item, so its object parent says nothing).
+    QQuickItem* shownInside(QQuickItem* in, const QString& name) const
+    {
+        for (QQuickItem* child : window()->findChildren<QQuickItem*>(name))
+            for (QQuickItem* up = child; child->isVisible() && up; up = up->parentItem())
+                if (up == in)
+                    return child;
+        return nullptr;
+    }
+
 private slots:
     void initTestCase()
     {
         previousHandler = qInstallMessageHandler(watchWarnings);
-        m_service.start({u"--auto-approve"_s});
+        // Teammates work twenty times faster than in the demo.
+        m_service.start({u"--auto-approve"_s, u"--time-scale"_s, u"20"_s});
         ServiceOrigin::setOverride(m_service.origin());
         m_app = std::make_unique<KestroApp>();
         QVERIFY(m_app->show());
@@ -211,6 +237,93 @@ private slots:
         QVERIFY(!m_app->router().canGoForward());
     }
 
+    void reachesThePlacesFromAnyKeyboard()
+    {
+        // Ctrl+Shift and the top-row digit, on the physical key: German
+        // Shift+3 types "§", AZERTY's unshifted 4 is an apostrophe.
+        const struct {
+            const char* layout;
+            const char* key;
+            const char* route;
+        } presses[] = {{"de", "ctrl+shift+3", "/tasks"},
+                       {"fr", "ctrl+shift+apostrophe", "/kest"},
+                       {"us", "ctrl+shift+1", "/activity"}};
+        for (const auto& press : presses) {
+            QCOMPARE(QProcess::execute(u"setxkbmap"_s, {u"-layout"_s, QString::fromLatin1(press.layout)}), 0);
+            xdo({u"key"_s, QString::fromLatin1(press.key)});
+            QTRY_COMPARE(route(), QString::fromLatin1(press.route));
+        }
+    }
+
+    void talksInTheKestChat()
+    {
+        // The chord on the physical "4" key, as a keyboard sends it through
+        // X: Shift makes it "$" on this layout.
+        xdo({u"key"_s, u"ctrl+shift+4"_s});
+        QTRY_COMPARE(route(), u"/kest"_s);
+        QTRY_VERIFY_WITH_TIMEOUT(showing(u"roomTimeline"_s), 20000);
+        QTRY_COMPARE(text(u"pageTitle"_s), u"Kest chat"_s);
+        QObject* room = find(u"kestRoom"_s);
+        QVERIFY(room);
+        QObject* composer = room->property("composer").value<QObject*>();
+        QVERIFY(composer);
+        shoot(u"kest-room"_s);
+
+        // Send refuses an empty message and says why.
+        QVERIFY(QMetaObject::invokeMethod(composer, "send"));
+        QCOMPARE(composer->property("error").toString(), u"Tell us what you need first, then press Send."_s);
+
+        QVERIFY(QMetaObject::invokeMethod(find(u"kestPrompt"_s), "focusEditor"));
+        xdo({u"type"_s, u"--delay"_s, u"5"_s, u"@all which launch should we do first?"_s});
+        QTRY_COMPARE(composer->property("hint").toString(), u"Goes to everyone"_s);
+        xdo({u"key"_s, u"Return"_s});
+        QTRY_VERIFY_WITH_TIMEOUT(composer->property("note").toString().contains(u"are on it."_s), 10000);
+        QCOMPARE(composer->property("text").toString(), QString());
+        // From the room, the new thread opens beside it.
+        QTRY_VERIFY(route().startsWith(u"/kest?thread="_s));
+        QTRY_VERIFY_WITH_TIMEOUT(showing(u"threadPanel"_s), 10000);
+        shoot(u"kest-thread"_s);
+
+        // A teammate's answer arrives in the thread.
+        auto* replies = qobject_cast<QQuickItem*>(find(u"threadTimeline"_s));
+        QVERIFY(replies);
+        QTRY_VERIFY_WITH_TIMEOUT(replies->property("count").toInt() > 1, 30000);
+        QTest::qWait(300);
+        shoot(u"kest-answer"_s);
+        // Once everyone has answered, the replies stay where they are.
+        QObject* answering = room->property("threadAnswering").value<QObject*>();
+        QTRY_COMPARE_WITH_TIMEOUT(answering->property("count").toInt(), 0, 30000);
+        QTest::qWait(300);
+
+        // "How it worked" on the answer opens its run. The bar comes to the
+        // message under the pointer.
+        // The answer on screen, pointed at where it shows.
+        const QRectF shown = replies->mapRectToScene(QRectF(0, 0, replies->width(), replies->height()));
+        QQuickItem* answer = nullptr;
+        QRectF seen;
+        for (QQuickItem* row : drawnInside(replies)) {
+            if (!row->property("agent").toBool() || row->property("runHref").toString().isEmpty() ||
+                !row->isVisible())
+                continue;
+            const QRectF part = row->mapRectToScene(QRectF(0, 0, row->width(), row->height())) & shown;
+            if (part.height() > seen.height()) {
+                answer = row;
+                seen = part;
+            }
+        }
+        QVERIFY(answer);
+        const QPoint over = window()->mapToGlobal(seen.center().toPoint());
+        xdo({u"mousemove"_s, u"--sync"_s, QString::number(over.x()), QString::number(over.y())});
+        QQuickItem* howItWorked = nullptr;
+        QTRY_VERIFY((howItWorked = shownInside(answer, u"howItWorked"_s)));
+        // Pressed as a screen reader presses it (its place moves with the
+        // bar, so a pointer aimed a moment earlier can miss).
+        QVERIFY(QMetaObject::invokeMethod(howItWorked, "clicked"));
+        QTRY_VERIFY(route().contains(u"/runs/"_s));
+        QTRY_VERIFY_WITH_TIMEOUT(showing(u"runPage"_s) && text(u"pageTitle"_s).endsWith(u"'s run"_s), 20000);
+        shoot(u"run-page"_s);
+    }
+
     void showsTheMissingPage()
     {
         m_app->router().open(u"/no-such-place"_s);
@@ -249,6 +362,11 @@ private slots:
         QCOMPARE(route(), u"/activity"_s);
         QVERIFY(!m_app->app().canWrite()); // a viewer there
         shoot(u"other-workspace"_s);
+        // A viewer reads the kest chat but has no composer.
+        m_app->router().open(u"/kest"_s);
+        QTRY_VERIFY_WITH_TIMEOUT(showing(u"roomTimeline"_s), 20000);
+        QTRY_VERIFY(!find(u"kestPrompt"_s)->property("notice").toString().isEmpty());
+        QVERIFY(!find(u"kestPrompt"_s)->property("editor").value<QQuickItem*>()->isVisible());
     }
 
     void signsOut()

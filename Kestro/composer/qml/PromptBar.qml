@@ -38,6 +38,9 @@ FocusScope {
     property bool cancels: false
     // Takes the keyboard as soon as it shows.
     property bool autoFocus: false
+    // Set when the caller says itself why an empty message is not sent:
+    // Send stays enabled and an empty text still reaches `send`.
+    property bool explainsEmpty: false
     // The caller's extra buttons, placed beside (or above) the editor.
     default property alias actions: actionRow.data
     readonly property int maxHeight: 240
@@ -57,7 +60,7 @@ FocusScope {
         // (Qt 6.4 describes Qt.inputMethod to the linter as a bare QObject,
         // hence the disable comments on its calls.)
         Qt.inputMethod.commit() // qmllint disable
-        if (bar.pending || bar.disabled || bar.value.trim().length === 0)
+        if (bar.pending || bar.disabled || (bar.value.trim().length === 0 && !bar.explainsEmpty))
             return
         bar.send(bar.value)
     }
@@ -223,7 +226,7 @@ FocusScope {
             anchors.bottomMargin: 8
             implicitWidth: 32
             implicitHeight: 32
-            enabled: !bar.disabled && !bar.pending && bar.value.trim().length > 0
+            enabled: !bar.disabled && !bar.pending && (bar.explainsEmpty || bar.value.trim().length > 0)
             focusPolicy: Qt.TabFocus
             Accessible.name: bar.pending ? bar.sendLabel + ", sending" : bar.sendLabel
             Accessible.role: Accessible.Button

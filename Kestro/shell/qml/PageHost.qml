@@ -58,5 +58,10 @@ Item {
         // A web page's view is built off the frame's paint (the engine
         // itself starts just before, in show()).
         asynchronous: host.page.kind === "web"
+        // A native page that writes is told the user's role, and kept told.
+        onLoaded: {
+            if (host.page.kind === "native" && current.item && current.item.hasOwnProperty("access"))
+                current.item.access = Qt.binding(() => App.frame.workspace ? App.frame.workspace.role || "" : "")
+        }
     }
 }

@@ -1,0 +1,279 @@
+// Delegates name this file's ids and take their data through required
+// properties.
+pragma ComponentBehavior: Bound
+import QtQuick
+import QtQuick.Controls.Basic
+import QtQuick.Layouts
+import Kestro.Controls
+import Kestro.AgentWork
+import Kestro.RichText
+
+// One message of the kest room or a thread: the author's face and name, the
+// time, the text in Markdown, what it cites, the task it is about, the
+// approvals it raised, its reactions and, in the room, its thread. Its
+// actions (react, reply, how it worked, copy) are the list's one shared
+// bar, which comes to the message under the pointer or the keyboard.
+FocusScope {
+    id: message
+    required property int index
+    required property string key
+    required property bool agent
+    required property string name
+    required property string handle
+    required property string when
+    required property string at
+    required property string text
+    required property bool failed
+    required property var cites
+    required property string taskKey
+    required property string taskTitle
+    required property string taskStatus
+    required property var reactions
+    required property int replies
+    required property string repliesText
+    required property string lastReply
+    required property var repliedBy
+    required property string answeringLine
+    required property string approvals
+    required property string runHref
+    required property string threadOf
+    // Set by the list: the thread panel shows no thread summaries.
+    property bool inThread: false
+    property bool canReact: false
+    readonly property bool hovered: hover.hovered
+    signal linkOpened(string path)
+    signal reacted(string messageId, string emoji)
+    signal addingReaction(string messageId, Item from)
+
+    width: ListView.view ? ListView.view.width : implicitWidth
+    implicitHeight: body.implicitHeight + 16
+    activeFocusOnTab: false
+    Accessible.role: Accessible.ListItem
+    Accessible.name: message.name + ", " + message.when + ": " + (message.failed ? "Couldn't answer: " : "")
+                     + message.text.substring(0, 300)
+
+    HoverHandler { id: hover }
+
+    Rectangle {
+        anchors.fill: parent
+        color: message.hovered || message.activeFocus ? Theme.hover : "transparent"
+        border.width: message.activeFocus ? 2 : 0
+        border.color: Theme.accent
+        radius: 8
+    }
+
+    RowLayout {
+        id: body
+        x: 12
+        y: 8
+        width: message.width - 24
+        spacing: 10
+
+        Avatar {
+            Layout.alignment: Qt.AlignTop
+            Layout.topMargin: 2
+            name: message.name
+            robot: message.agent ? message.handle : ""
+            size: 32
+        }
+        ColumnLayout {
+            Layout.fillWidth: true
+            spacing: 4
+
+            Row {
+                spacing: 8
+                Text {
+                    text: message.name
+                    textFormat: Text.PlainText
+                    color: Theme.text
+                    font.family: Theme.sans
+                    font.pixelSize: 14
+                    font.weight: Font.DemiBold
+                }
+                Text {
+                    anchors.baseline: parent.children[0].baseline
+                    text: message.when
+                    color: Theme.muted
+                    font.family: Theme.sans
+                    font.pixelSize: 12
+                    ToolTip.visible: whenHover.hovered
+                    ToolTip.delay: 500
+                    ToolTip.text: new Date(message.at).toLocaleString(Qt.locale(), Locale.LongFormat)
+                    HoverHandler { id: whenHover }
+                }
+            }
+
+            Text {
+                visible: message.failed
+                Layout.fillWidth: true
+                text: "Couldn't answer: " + message.text
+                textFormat: Text.PlainText
+                wrapMode: Text.Wrap
+                color: Theme.danger
+                font.family: Theme.sans
+                font.pixelSize: 14
+            }
+            Markdown {
+                visible: !message.failed
+                Layout.fillWidth: true
+                text: message.failed ? "" : message.text
+                citations: message.cites.length
+                onPathClicked: path => message.linkOpened(path)
+            }
+
+            // What the message cites.
+            Flow {
+                visible: message.cites.length > 0
+                Layout.fillWidth: true
+                spacing: 4
+                Repeater {
+                    model: message.cites
+                    delegate: Rectangle {
+                        required property var modelData
+                        required property int index
+                        implicitWidth: citeText.implicitWidth + 14
+                        implicitHeight: 22
+                        radius: 11
+                        color: Theme.well
+                        border.color: Theme.border
+                        Accessible.role: Accessible.StaticText
+                        Accessible.name: "Source " + (index + 1) + ": " + modelData.title
+                        Text {
+                            id: citeText
+                            anchors.centerIn: parent
+                            text: (parent.index + 1) + "  " + parent.modelData.title
+                            textFormat: Text.PlainText
+                            color: Theme.muted
+                            font.family: Theme.sans
+                            font.pixelSize: 11
+                        }
+                    }
+                }
+            }
+
+            // The task the message is about.
+            AbstractButton {
+                id: taskChip
+                visible: message.taskKey.length > 0
+                implicitWidth: taskChip.contentItem.implicitWidth
+                implicitHeight: 26
+                hoverEnabled: true
+                focusPolicy: Qt.StrongFocus
+                Accessible.role: Accessible.Link
+                Accessible.name: message.taskKey + " " + message.taskTitle + ", " + message.taskStatus
+                Accessible.onPressAction: taskChip.clicked()
+                Keys.onReturnPressed: taskChip.clicked()
+                onClicked: message.linkOpened("/tasks/" + message.taskKey)
+                background: Rectangle {
+                    radius: 6
+                    color: taskChip.hovered ? Theme.selected : Theme.well
+                    border.width: taskChip.visualFocus ? 2 : 1
+                    border.color: taskChip.visualFocus ? Theme.accent : Theme.border
+                }
+                contentItem: Row {
+                    leftPadding: 8
+                    rightPadding: 8
+                    spacing: 6
+                    Icon { name: "list-checks"; size: 13; color: Theme.muted; anchors.verticalCenter: parent.verticalCenter }
+                    Text { text: message.taskKey; color: Theme.muted; font.family: Theme.mono; font.pixelSize: 12 }
+                    Text { text: message.taskTitle; textFormat: Text.PlainText; color: Theme.text; font.family: Theme.sans; font.pixelSize: 12 }
+                    Text { text: message.taskStatus.replace("_", " "); color: Theme.muted; font.family: Theme.sans; font.pixelSize: 12 }
+                    }
+            }
+
+            // Approvals the message's run raised.
+            Text {
+                visible: message.approvals.length > 0
+                text: message.approvals
+                color: Theme.link
+                font.family: Theme.sans
+                font.pixelSize: 13
+                Accessible.role: Accessible.Link
+                Accessible.name: text
+                Accessible.onPressAction: message.linkOpened("/activity?view=you")
+                MouseArea {
+                    anchors.fill: parent
+                    cursorShape: Qt.PointingHandCursor
+                    onClicked: message.linkOpened("/activity?view=you")
+                }
+            }
+
+            ReactionChips {
+                visible: message.reactions.length > 0
+                Layout.fillWidth: true
+                reactions: message.reactions
+                canReact: message.canReact
+                onToggled: emoji => message.reacted(message.key, emoji)
+                onAdding: from => message.addingReaction(message.key, from)
+            }
+
+            // The thread under a room message.
+            RowLayout {
+                visible: !message.inThread && (message.replies > 0 || message.answeringLine.length > 0)
+                spacing: 8
+                Row {
+                    spacing: -4
+                    Repeater {
+                        model: message.inThread ? [] : message.repliedBy
+                        delegate: Avatar {
+                            required property var modelData
+                            name: modelData.name
+                            robot: modelData.handle
+                            size: 18
+                        }
+                    }
+                }
+                Text {
+                    id: threadLink
+                    visible: message.replies > 0
+                    text: message.repliesText
+                    color: Theme.link
+                    font.family: Theme.sans
+                    font.pixelSize: 12
+                    font.weight: Font.DemiBold
+                    Accessible.role: Accessible.Link
+                    Accessible.name: text + ", " + message.lastReply
+                    Accessible.onPressAction: message.linkOpened("/kest?thread=" + message.threadOf)
+                    MouseArea {
+                        anchors.fill: parent
+                        cursorShape: Qt.PointingHandCursor
+                        onClicked: message.linkOpened("/kest?thread=" + message.threadOf)
+                    }
+                }
+                Text {
+                    visible: message.lastReply.length > 0
+                    text: message.lastReply
+                    color: Theme.muted
+                    font.family: Theme.sans
+                    font.pixelSize: 12
+                }
+                Orb {
+                    visible: message.answeringLine.length > 0
+                    state: "working"
+                }
+                Text {
+                    visible: message.answeringLine.length > 0
+                    text: message.answeringLine
+                    color: Theme.muted
+                    font.family: Theme.sans
+                    font.pixelSize: 12
+                }
+                Text {
+                    visible: message.replies > 0
+                    text: "Reply in thread"
+                    color: Theme.link
+                    font.family: Theme.sans
+                    font.pixelSize: 12
+                    Accessible.role: Accessible.Link
+                    Accessible.name: text
+                    Accessible.onPressAction: message.linkOpened("/kest?thread=" + message.threadOf)
+                    MouseArea {
+                        anchors.fill: parent
+                        cursorShape: Qt.PointingHandCursor
+                        onClicked: message.linkOpened("/kest?thread=" + message.threadOf)
+                    }
+                }
+            }
+        }
+    }
+}

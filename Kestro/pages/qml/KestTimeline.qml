@@ -1,0 +1,125 @@
+// Delegates name this file's ids and take their data through required
+// properties.
+pragma ComponentBehavior: Bound
+import QtQuick
+import QtQuick.Controls.Basic
+import Kestro.Controls
+
+// Messages, newest at the bottom: the model lists them newest first and the
+// view lays them out bottom to top, so older history never moves what is on
+// screen. The view follows new messages while the user is at the newest one
+// and otherwise offers "Jump to the latest". One bar of actions serves every
+// message: it comes to the one under the pointer, or the keyboard's.
+ListView {
+    id: timeline
+    property bool inThread: false
+    property bool canReact: false
+    // Follows new messages while the newest one shows.
+    property bool stuck: true
+    property Item hoveredItem: null
+    readonly property Item target: timeline.activeFocus || actions.activeFocus ? timeline.currentItem : timeline.hoveredItem
+    signal linkOpened(string path)
+    signal reacted(string messageId, string emoji)
+    signal addingReaction(string messageId, Item from)
+    signal copied(string text)
+
+    verticalLayoutDirection: ListView.BottomToTop
+    clip: true
+    focus: true
+    keyNavigationEnabled: true
+    boundsBehavior: Flickable.StopAtBounds
+    // Tall rows are measured a screen ahead, so scrolling into them does not jump.
+    cacheBuffer: 800
+    activeFocusOnTab: true
+    Accessible.role: Accessible.List
+    ScrollBar.vertical: ScrollBar {}
+
+    onCountChanged: if (timeline.stuck) stick.restart()
+    onMovementEnded: timeline.stuck = timeline.atYEnd
+    onContentHeightChanged: if (timeline.stuck && !timeline.moving) stick.restart()
+
+    // Back to the newest once the new rows are laid out.
+    Timer {
+        id: stick
+        interval: 0
+        onTriggered: timeline.positionViewAtBeginning()
+    }
+    Keys.onPressed: event => {
+        if (event.key === Qt.Key_End) {
+            timeline.jumpToLatest()
+            event.accepted = true
+        }
+    }
+
+    function jumpToLatest() {
+        timeline.currentIndex = 0
+        timeline.positionViewAtBeginning()
+        timeline.stuck = true
+    }
+
+    delegate: KestMessage {
+        id: row
+        inThread: timeline.inThread
+        canReact: timeline.canReact
+        onHoveredChanged: {
+            if (row.hovered)
+                timeline.hoveredItem = row
+            else if (timeline.hoveredItem === row)
+                timeline.hoveredItem = null
+        }
+        onLinkOpened: path => timeline.linkOpened(path)
+        onReacted: (id, emoji) => timeline.reacted(id, emoji)
+        onAddingReaction: (id, from) => timeline.addingReaction(id, from)
+    }
+
+    // The one bar of actions.
+    Row {
+        id: actions
+        objectName: "messageActions"
+        readonly property var message: timeline.target
+        parent: message ? message : timeline
+        visible: !!message
+        anchors.top: parent.top
+        anchors.right: parent.right
+        anchors.topMargin: 4
+        anchors.rightMargin: 8
+        z: 10
+        spacing: 2
+        IconButton {
+            visible: timeline.canReact
+            glyph: "face-slightly-smiling-plus"
+            tip: "Add a reaction"
+            onClicked: timeline.addingReaction(actions.message.key, this)
+        }
+        IconButton {
+            visible: !timeline.inThread && timeline.canReact
+            glyph: "message-square-reply"
+            tip: "Reply in thread"
+            onClicked: timeline.linkOpened("/kest?thread=" + actions.message.threadOf)
+        }
+        IconButton {
+            objectName: "howItWorked"
+            visible: !!actions.message && actions.message.runHref.length > 0
+            glyph: "list-checks"
+            tip: "How it worked"
+            onClicked: timeline.linkOpened(actions.message.runHref)
+        }
+        IconButton {
+            glyph: "copy"
+            tip: "Copy the message"
+            Accessible.name: "Copy"
+            onClicked: timeline.copied(actions.message.text)
+        }
+    }
+
+    PrimaryButton {
+        objectName: "jumpToLatest"
+        parent: timeline
+        visible: !timeline.atYEnd && timeline.count > 0 && !timeline.stuck
+        anchors.horizontalCenter: parent.horizontalCenter
+        anchors.bottom: parent.bottom
+        anchors.bottomMargin: 12
+        text: "Jump to the latest"
+        onClicked: timeline.jumpToLatest()
+    }
+}
