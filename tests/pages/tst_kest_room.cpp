@@ -1,0 +1,254 @@
+// The kest room and the run page: the sentences a send leaves under the
+// composer, the hint, where a send goes, the optimistic reaction, the
+// cadence, and the pages against a real kestro-devservice (a reload that
+// changes nothing moves no row, a reaction shows before the service
+// answers and stays after, a thread opens beside the room, a run loads).
+
+#include "DevServiceProcess.h"
+#include "DevServiceSession.h"
+
+#include "pages/KestComposer.h"
+#include "pages/KestRoomPage.h"
+#include "pages/KestWords.h"
+#include "pages/RunPage.h"
+#include "shell/PageCatalog.h"
+#include "shell/Router.h"
+
+#include <QSignalSpy>
+#include <QTest>
+
+using namespace Qt::StringLiterals;
+using namespace Kestro;
+using Calls::app::PostKestMessageActionResult;
+using Calls::kest::KestChatResultKest;
+
+namespace {
+
+QList<KestChatResultKest> kestOf(bool withLead)
+{
+    return {{u"nova"_s, u"Nova"_s, u"Lead"_s, {}, u"idle"_s, false, withLead},
+            {u"quill"_s, u"Quill"_s, u"Writer"_s, {}, u"idle"_s, false, false},
+            {u"atlas"_s, u"Atlas"_s, u"Research"_s, {}, u"idle"_s, false, false}};
+}
+
+} // namespace
+
+class KestRoomTest : public QObject {
+    Q_OBJECT
+
+    KestroTest::DevServiceProcess m_service{QStringLiteral(DEVSERVICE_PATH)};
+    std::unique_ptr<KestroTest::DevServiceSession> m_session;
+    std::unique_ptr<Router> m_router;
+
+    std::unique_ptr<KestRoomPage> openRoom(const QString& path)
+    {
+        auto page = std::make_unique<KestRoomPage>();
+        page->setRouter(m_router.get());
+        page->setRoute(Route::parse(path));
+        page->start();
+        [&] { QTRY_COMPARE_WITH_TIMEOUT(page->loader()->state(), Loaded::State::Content, 10000); }();
+        return page;
+    }
+
+private slots:
+    void initTestCase()
+    {
+        m_service.start({u"--auto-approve"_s, u"--time-scale"_s, u"20"_s});
+        m_session = std::make_unique<KestroTest::DevServiceSession>(m_service.origin());
+        m_router = std::make_unique<Router>(m_service.origin(), Route::parse(u"/kest"_s), [](const QUrl&) {});
+    }
+    void cleanupTestCase()
+    {
+        m_session.reset();
+        m_service.stop();
+    }
+
+    void theNoteSaysWhoTookTheMessage_data()
+    {
+        QTest::addColumn<PostKestMessageActionResult>("result");
+        QTest::addColumn<QString>("note");
+        PostKestMessageActionResult twoAndOne;
+        twoAndOne.started = QStringList{u"atlas"_s, u"quill"_s};
+        twoAndOne.stopped = QStringList{u"nova"_s};
+        // Names in the kest's order, whatever the order of the handles.
+        QTest::newRow("two started, one stopped")
+            << twoAndOne << u"Quill and Atlas are on it. Nova stopped."_s;
+        PostKestMessageActionResult triage;
+        triage.triaging = true;
+        QTest::newRow("the lead triages") << triage << u"Nova is seeing who this is for."_s;
+        PostKestMessageActionResult handed;
+        handed.handed = QStringList{u"quill"_s};
+        handed.skipped = QList<Calls::app::PostKestMessageActionResultSkipped>{
+            {u"atlas"_s, u"It is paused in its settings."_s}};
+        QTest::newRow("handed and skipped")
+            << handed
+            << u"Quill takes it into the answer in progress. Atlas can't answer now. It is paused in its settings."_s;
+        PostKestMessageActionResult many;
+        many.started = QStringList{u"nova"_s, u"quill"_s, u"atlas"_s, u"ghost"_s};
+        QTest::newRow("three and an unknown handle") << many << u"Nova, Quill, Atlas and ghost are on it."_s;
+        QTest::newRow("nothing to say") << PostKestMessageActionResult{} << QString();
+    }
+    void theNoteSaysWhoTookTheMessage()
+    {
+        QFETCH(PostKestMessageActionResult, result);
+        QFETCH(QString, note);
+        QCOMPARE(KestWords::noteOf(result, kestOf(true)), note);
+    }
+
+    void theHintFollowsTheMentions_data()
+    {
+        QTest::addColumn<QString>("text");
+        QTest::addColumn<bool>("lead");
+        QTest::addColumn<QString>("hint");
+        QTest::newRow("no mention, a lead")
+            << u"what now?"_s << true
+            << u"Nova sees who it's for · @ calls on a teammate · @all calls on everyone"_s;
+        QTest::newRow("no mention, no lead") << u"what now?"_s << false << u"@ calls on a teammate"_s;
+        QTest::newRow("two teammates")
+            << u"@atlas and @Quill, look"_s << true << u"Goes to Quill and Atlas"_s;
+        QTest::newRow("everyone wins") << u"@atlas @everyone"_s << true << u"Goes to everyone"_s;
+        QTest::newRow("an address is no mention")
+            << u"mail maya@atlas.com"_s << false << u"@ calls on a teammate"_s;
+        QTest::newRow("an unknown handle") << u"@nobody hi"_s << false << u"@ calls on a teammate"_s;
+    }
+    void theHintFollowsTheMentions()
+    {
+        QFETCH(QString, text);
+        QFETCH(bool, lead);
+        QFETCH(QString, hint);
+        QCOMPARE(KestWords::hintOf(text, kestOf(lead)), hint);
+    }
+
+    void theEmptyRoomNamesWhoAnswersTheUnaddressed()
+    {
+        QVERIFY(KestWords::emptyText(kestOf(true))
+                    .contains(u"Name no one and Nova sees whether it's for the kest."_s));
+        QVERIFY(KestWords::emptyText(kestOf(false))
+                    .contains(u"Name no one and Nova answers what names no one."_s));
+        QCOMPARE(KestWords::everyoneLine(kestOf(true)), u"Everyone: your team, 3 teammates"_s);
+        QCOMPARE(KestWords::approvals(1), u"An approval waits for you in Needs you"_s);
+        QCOMPARE(KestWords::approvals(3), u"3 approvals wait for you in Needs you"_s);
+        QCOMPARE(KestWords::approvals(0), QString());
+    }
+
+    void onlyTheRoomOpensTheNewThread()
+    {
+        PostKestMessageActionResult result;
+        result.threadId = u"m_1"_s;
+        QCOMPARE(KestComposer::outcomeOf(result, kestOf(true), false).open, u"/kest?thread=m_1"_s);
+        QCOMPARE(KestComposer::outcomeOf(result, kestOf(true), true).open, QString());
+    }
+
+    void aReactionTogglesTheUsersOwn()
+    {
+        QList<Model::ReactionView> reactions{{u"👍"_s, {u"u2"_s}}};
+        reactions = KestRoomPage::toggled(reactions, u"👍"_s, u"u1"_s);
+        QCOMPARE(reactions.first().by, (QStringList{u"u2"_s, u"u1"_s}));
+        reactions = KestRoomPage::toggled(reactions, u"🎉"_s, u"u1"_s);
+        QCOMPARE(reactions.size(), 2);
+        reactions = KestRoomPage::toggled(reactions, u"🎉"_s, u"u1"_s);
+        QCOMPARE(reactions.size(), 1); // the last one out takes the chip along
+        reactions = KestRoomPage::toggled(reactions, u"👍"_s, u"u2"_s);
+        QCOMPARE(reactions.first().by, QStringList{u"u1"_s});
+    }
+
+    void quickWhileAnyoneAnswers()
+    {
+        Calls::kest::KestChatResult result;
+        QCOMPARE(KestRoomPage::cadence(result), 10.0);
+        result.answering.append({u"atlas"_s, u"run_1"_s, std::nullopt, std::nullopt});
+        QCOMPARE(KestRoomPage::cadence(result), 2.0);
+    }
+
+    void theRouteTableSendsKestHere()
+    {
+        const auto room = PageCatalog::pageOf(Route::parse(u"/kest"_s));
+        QCOMPARE(room.component, u"qrc:/Kestro/Pages/KestRoomPage.qml"_s);
+        // A thread beside the room is the same page.
+        QCOMPARE(PageCatalog::pageOf(Route::parse(u"/kest?thread=m_1"_s)).identity, room.identity);
+        QCOMPARE(PageCatalog::pageOf(Route::parse(u"/kest/atlas/runs/r1"_s)).component,
+                 u"qrc:/Kestro/Pages/RunPage.qml"_s);
+    }
+
+    void aReloadWithNothingNewMovesNoRow()
+    {
+        auto room = openRoom(u"/kest"_s);
+        KeyedListModel* messages = room->messages();
+        QVERIFY(messages->count() > 1);
+        // Newest first: the view lays the rows out bottom to top.
+        const auto& result = room->result();
+        QCOMPARE(messages->keyAt(0), result.messages.last().id);
+        QVERIFY(!room->everyoneLine().isEmpty());
+
+        QSignalSpy inserted(messages, &QAbstractItemModel::rowsInserted);
+        QSignalSpy removed(messages, &QAbstractItemModel::rowsRemoved);
+        QSignalSpy moved(messages, &QAbstractItemModel::rowsMoved);
+        QSignalSpy reset(messages, &QAbstractItemModel::modelReset);
+        QSignalSpy changed(messages, &QAbstractItemModel::dataChanged);
+        const int loads = room->loader()->loads();
+        room->reloadNow();
+        QTRY_COMPARE(room->loader()->loads(), loads + 1);
+        QCOMPARE(inserted.size() + removed.size() + moved.size() + reset.size(), 0);
+        QCOMPARE(changed.size(), 0);
+    }
+
+    void aReactionShowsAtOnceAndStays()
+    {
+        auto room = openRoom(u"/kest"_s);
+        KeyedListModel* messages = room->messages();
+        const QString id = messages->keyAt(0);
+        auto mine = [&] {
+            for (const QVariant& chip : messages->valueAt(0, u"reactions"_s).toList())
+                if (chip.toMap().value(u"emoji"_s) == u"🚀"_s)
+                    return chip.toMap().value(u"mine"_s).toBool();
+            return false;
+        };
+        QVERIFY(!mine());
+        QSignalSpy changed(messages, &QAbstractItemModel::dataChanged);
+        room->react(id, u"🚀"_s);
+        // Shown before the service has answered.
+        QVERIFY(mine());
+        QCOMPARE(changed.size(), 1);
+        const int loads = room->loader()->loads();
+        QTRY_VERIFY(room->loader()->loads() > loads);
+        QVERIFY(mine());
+        QVERIFY(room->reactionError().isEmpty());
+        // And taken back the same way.
+        room->react(id, u"🚀"_s);
+        QVERIFY(!mine());
+        QTRY_VERIFY(room->loader()->loads() > loads + 1);
+        QVERIFY(!mine());
+    }
+
+    void aThreadOpensBesideTheRoomAndARunLoads()
+    {
+        auto room = openRoom(u"/kest"_s);
+        // The newest message with replies has a thread to open.
+        QString thread;
+        QString runHref;
+        for (const auto& m : room->result().messages)
+            if (m.replies > 0)
+                thread = m.id;
+        QVERIFY(!thread.isEmpty());
+        room->setRoute(Route::parse(u"/kest?thread="_s + thread));
+        QTRY_VERIFY_WITH_TIMEOUT(room->threadShown(), 10000);
+        QVERIFY(room->thread()->count() >= 2);
+        // The thread's first message is its oldest row.
+        QCOMPARE(room->thread()->keyAt(room->thread()->count() - 1), thread);
+        for (int row = 0; row < room->thread()->count() && runHref.isEmpty(); ++row)
+            runHref = room->thread()->valueAt(row, u"runHref"_s).toString();
+        QVERIFY(!runHref.isEmpty());
+
+        RunPage run;
+        run.setRouter(m_router.get());
+        run.setRoute(Route::parse(runHref));
+        run.start();
+        QTRY_COMPARE_WITH_TIMEOUT(run.loader()->state(), Loaded::State::Content, 10000);
+        QVERIFY(run.title().endsWith(u"'s run"_s));
+        QVERIFY(run.rounds()->count() > 0);
+        QVERIFY(!run.inProgress());
+    }
+};
+
+QTEST_GUILESS_MAIN(KestRoomTest)
+#include "tst_kest_room.moc"

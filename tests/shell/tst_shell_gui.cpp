@@ -1,0 +1,76 @@
+// The desktop side of the shell that needs no window: the place chords
+// read on physical keys whatever the layout, and the teammates' faces,
+// the same on every run and different from one teammate to the next.
+
+#include "shell/PlaceChords.h"
+#include "shell/RobotFace.h"
+
+#include <QSet>
+#include <QTest>
+
+using namespace Qt::StringLiterals;
+using namespace Kestro;
+
+class ShellGuiTest : public QObject {
+    Q_OBJECT
+
+private slots:
+    void chordsReadThePhysicalKey_data()
+    {
+        QTest::addColumn<quint32>("scanCode");
+        QTest::addColumn<int>("key");
+        QTest::addColumn<int>("modifiers");
+        QTest::addColumn<int>("place");
+        const int chord = int(Qt::ControlModifier | Qt::ShiftModifier);
+        // What X sends for the top-row 3 and 4 with Shift on three layouts.
+        QTest::newRow("US 4 is $") << 13u << int(Qt::Key_Dollar) << chord << 3;
+        QTest::newRow("German 3 is section") << 12u << int(Qt::Key_section) << chord << 2;
+        QTest::newRow("AZERTY 1 is 1 only with Shift") << 10u << int(Qt::Key_1) << chord << 0;
+        QTest::newRow("the keypad flag is ignored")
+            << 11u << int(Qt::Key_At) << (chord | int(Qt::KeypadModifier)) << 1;
+        QTest::newRow("5 is no place") << 14u << int(Qt::Key_Percent) << chord << -1;
+        QTest::newRow("without Shift") << 13u << int(Qt::Key_4) << int(Qt::ControlModifier) << -1;
+        QTest::newRow("with Alt as well")
+            << 13u << int(Qt::Key_Dollar) << (chord | int(Qt::AltModifier)) << -1;
+        // A press made inside the program has no scan code.
+        QTest::newRow("synthesized 2") << 0u << int(Qt::Key_2) << chord << 1;
+        QTest::newRow("synthesized S") << 0u << int(Qt::Key_S) << chord << -1;
+    }
+    void chordsReadThePhysicalKey()
+    {
+        QFETCH(quint32, scanCode);
+        QFETCH(int, key);
+        QFETCH(int, modifiers);
+        QFETCH(int, place);
+        QCOMPARE(PlaceChords::placeOf(scanCode, key, Qt::KeyboardModifiers(modifiers)), place);
+    }
+
+    void everyTeammateHasItsOwnFace()
+    {
+        const QStringList kest{u"nova"_s, u"quill"_s, u"atlas"_s, u"forge"_s, u"pixel"_s, u"ledger"_s};
+        QSet<QString> looks;
+        for (const QString& handle : kest) {
+            const RobotFace face = RobotFace::of(handle);
+            QCOMPARE(RobotFace::of(handle), face); // the same every time
+            QCOMPARE(RobotFace::of(handle.toUpper()), face);
+            looks.insert(u"%1/%2/%3/%4/%5"_s.arg(face.hue)
+                             .arg(face.head)
+                             .arg(face.eyes)
+                             .arg(face.mouth)
+                             .arg(face.antenna));
+        }
+        QCOMPARE(looks.size(), kest.size());
+
+        // Drawn at the size asked, light and dark differently, with a
+        // transparent corner (a round face).
+        const QImage light = RobotFace::of(u"atlas"_s).draw(40, false);
+        const QImage dark = RobotFace::of(u"atlas"_s).draw(40, true);
+        QCOMPARE(light.size(), QSize(40, 40));
+        QVERIFY(light != dark);
+        QCOMPARE(qAlpha(light.pixel(0, 0)), 0);
+        QVERIFY(qAlpha(light.pixel(20, 20)) > 0);
+    }
+};
+
+QTEST_MAIN(ShellGuiTest)
+#include "tst_shell_gui.moc"
