@@ -21,6 +21,8 @@ const Row table[] = {
     {"activity", Kind::Native, "ActivityPage.qml", "Home", "Needs you"},
     {"kest", Kind::Native, "KestRoomPage.qml", "Kest chat"},
     {"kest/*/runs/*", Kind::Native, "RunPage.qml", "Run"},
+    {"kest/*/chat", Kind::Native, "DirectChatPage.qml", "Chat"},
+    {"kest/*/chat/*", Kind::Native, "DirectChatPage.qml", "Chat"},
     // The product's other families are the service's own pages for now.
     {"analytics/**", Kind::Web, nullptr, "Analytics"},
     {"brain/**", Kind::Web, nullptr, "Brain"},

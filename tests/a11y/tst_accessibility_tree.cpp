@@ -243,6 +243,21 @@ class AccessibilityTreeTest : public QObject {
                  qPrintable(u"Controls the keyboard cannot reach: "_s + unreachable.join(u", "_s)));
     }
 
+    // Presses the sidebar's entry named `place`, as a screen reader does.
+    void pressPlace(const QString& place)
+    {
+        std::optional<Node> entry;
+        for (const auto& [node, seen] : m_atspi->walk(m_root))
+            if (seen.showing && seen.name == place && actionable.contains(seen.role))
+                entry = node;
+        QVERIFY2(entry, qPrintable(u"The sidebar has no \"%1\" control."_s.arg(place)));
+        const int press = m_atspi->actionIndex(*entry, u"Press"_s);
+        QVERIFY(press >= 0);
+        const QDBusMessage pressed =
+            m_atspi->call(*entry, u"org.a11y.atspi.Action"_s, u"DoAction"_s, {QVariant::fromValue(press)});
+        QCOMPARE(pressed.type(), QDBusMessage::ReplyMessage);
+    }
+
 private slots:
     void initTestCase()
     {
@@ -273,18 +288,15 @@ private slots:
 
     void needsYouSpeaksEveryControl()
     {
-        // The sidebar's own entry, found and pressed as a screen reader does.
-        std::optional<Node> entry;
-        for (const auto& [node, seen] : m_atspi->walk(m_root))
-            if (seen.showing && seen.name == QLatin1String("Needs you") && actionable.contains(seen.role))
-                entry = node;
-        QVERIFY2(entry, "The sidebar has no \"Needs you\" control.");
-        const int press = m_atspi->actionIndex(*entry, u"Press"_s);
-        QVERIFY(press >= 0);
-        const QDBusMessage pressed =
-            m_atspi->call(*entry, u"org.a11y.atspi.Action"_s, u"DoAction"_s, {QVariant::fromValue(press)});
-        QCOMPARE(pressed.type(), QDBusMessage::ReplyMessage);
+        pressPlace(u"Needs you"_s);
         checkScreen(u"Needs you"_s);
+    }
+
+    // The room, its messages, the composer and the teammates' faces.
+    void kestChatSpeaksEveryControl()
+    {
+        pressPlace(u"Kest chat"_s);
+        checkScreen(u"Messages"_s);
     }
 
     void cleanupTestCase()

@@ -7,6 +7,7 @@
 #include "DevServiceProcess.h"
 #include "DevServiceSession.h"
 
+#include "pages/DirectChatPage.h"
 #include "pages/KestComposer.h"
 #include "pages/KestRoomPage.h"
 #include "pages/KestWords.h"
@@ -160,6 +161,51 @@ private slots:
         QCOMPARE(KestRoomPage::cadence(result), 2.0);
     }
 
+    void theOneToOneChatGoesQuietWhenNothingIsWritten()
+    {
+        ChatData data;
+        QCOMPARE(DirectChatPage::cadence(data), std::nullopt);
+        Model::ThreadSummary idle;
+        idle.status = u"idle"_s;
+        Model::ThreadSummary replying;
+        replying.status = u"replying"_s;
+        data.threads = {idle};
+        QCOMPARE(DirectChatPage::cadence(data), std::nullopt);
+        data.threads = {idle, replying};
+        QCOMPARE(DirectChatPage::cadence(data), 2.0);
+        // An open thread that is done: another thread being written still
+        // brings its answer in.
+        data.thread = Model::ThreadView{};
+        data.thread->status = u"idle"_s;
+        QCOMPARE(DirectChatPage::cadence(data), 2.0);
+        data.threads = {idle};
+        QCOMPARE(DirectChatPage::cadence(data), std::nullopt);
+        data.thread->status = u"replying"_s;
+        QCOMPARE(DirectChatPage::cadence(data), 2.0);
+    }
+
+    void aMessageStartsAThreadWithTheTeammate()
+    {
+        DirectChatPage chat;
+        chat.setRouter(m_router.get());
+        chat.setRoute(Route::parse(u"/kest/quill/chat"_s));
+        chat.start();
+        QTRY_COMPARE_WITH_TIMEOUT(chat.loader()->state(), Loaded::State::Content, 10000);
+        QCOMPARE(chat.name(), u"Quill"_s);
+        QCOMPARE(chat.label(), u"Message Quill (new thread)..."_s);
+        QVERIFY(!chat.threadOpen());
+        chat.send();
+        QCOMPARE(chat.error(), u"Tell us what you need first, then press Send."_s);
+        chat.setText(u"Draft a two-line welcome e-mail"_s);
+        chat.send();
+        QVERIFY(chat.pending());
+        QTRY_VERIFY_WITH_TIMEOUT(!chat.pending(), 10000);
+        QVERIFY2(chat.error().isEmpty(), qPrintable(chat.error()));
+        QCOMPARE(chat.text(), QString());
+        // The new thread opens.
+        QTRY_VERIFY(m_router->route().path.startsWith(u"/kest/quill/chat/"_s));
+    }
+
     void theRouteTableSendsKestHere()
     {
         const auto room = PageCatalog::pageOf(Route::parse(u"/kest"_s));
@@ -168,6 +214,10 @@ private slots:
         QCOMPARE(PageCatalog::pageOf(Route::parse(u"/kest?thread=m_1"_s)).identity, room.identity);
         QCOMPARE(PageCatalog::pageOf(Route::parse(u"/kest/atlas/runs/r1"_s)).component,
                  u"qrc:/Kestro/Pages/RunPage.qml"_s);
+        QCOMPARE(PageCatalog::pageOf(Route::parse(u"/kest/atlas/chat"_s)).component,
+                 u"qrc:/Kestro/Pages/DirectChatPage.qml"_s);
+        QCOMPARE(PageCatalog::pageOf(Route::parse(u"/kest/atlas/chat/th_1"_s)).component,
+                 u"qrc:/Kestro/Pages/DirectChatPage.qml"_s);
     }
 
     void aReloadWithNothingNewMovesNoRow()

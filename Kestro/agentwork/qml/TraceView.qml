@@ -86,20 +86,10 @@ ColumnLayout {
                 }
                 }
         }
-        Text {
+        LinkText {
             visible: view.href.length > 0
             text: trace.inProgress ? "Watch the steps" : "See every step"
-            color: Theme.link
-            font.family: Theme.sans
-            font.pixelSize: 12
-            Accessible.role: Accessible.Link
-            Accessible.name: text
-            Accessible.onPressAction: view.linkOpened(view.href)
-            MouseArea {
-                anchors.fill: parent
-                cursorShape: Qt.PointingHandCursor
-                onClicked: view.linkOpened(view.href)
-            }
+            onClicked: view.linkOpened(view.href)
         }
         Item { Layout.fillWidth: true }
     }

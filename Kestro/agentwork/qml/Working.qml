@@ -42,20 +42,10 @@ Row {
         Accessible.role: Accessible.StaticText
         Accessible.name: text
     }
-    Text {
+    LinkText {
         visible: working.href.length > 0
         anchors.verticalCenter: parent.verticalCenter
         text: "Watch the steps"
-        color: Theme.link
-        font.family: Theme.sans
-        font.pixelSize: 12
-        Accessible.role: Accessible.Link
-        Accessible.name: text
-        Accessible.onPressAction: working.opened(working.href)
-        MouseArea {
-            anchors.fill: parent
-            cursorShape: Qt.PointingHandCursor
-            onClicked: working.opened(working.href)
-        }
+        onClicked: working.opened(working.href)
     }
 }

@@ -182,20 +182,11 @@ FocusScope {
             }
 
             // Approvals the message's run raised.
-            Text {
+            LinkText {
                 visible: message.approvals.length > 0
                 text: message.approvals
-                color: Theme.link
-                font.family: Theme.sans
-                font.pixelSize: 13
-                Accessible.role: Accessible.Link
-                Accessible.name: text
-                Accessible.onPressAction: message.linkOpened("/activity?view=you")
-                MouseArea {
-                    anchors.fill: parent
-                    cursorShape: Qt.PointingHandCursor
-                    onClicked: message.linkOpened("/activity?view=you")
-                }
+                size: 13
+                onClicked: message.linkOpened("/activity?view=you")
             }
 
             ReactionChips {
@@ -223,22 +214,12 @@ FocusScope {
                         }
                     }
                 }
-                Text {
-                    id: threadLink
+                LinkText {
                     visible: message.replies > 0
                     text: message.repliesText
-                    color: Theme.link
-                    font.family: Theme.sans
-                    font.pixelSize: 12
-                    font.weight: Font.DemiBold
-                    Accessible.role: Accessible.Link
+                    strong: true
                     Accessible.name: text + ", " + message.lastReply
-                    Accessible.onPressAction: message.linkOpened("/kest?thread=" + message.threadOf)
-                    MouseArea {
-                        anchors.fill: parent
-                        cursorShape: Qt.PointingHandCursor
-                        onClicked: message.linkOpened("/kest?thread=" + message.threadOf)
-                    }
+                    onClicked: message.linkOpened("/kest?thread=" + message.threadOf)
                 }
                 Text {
                     visible: message.lastReply.length > 0
@@ -258,20 +239,10 @@ FocusScope {
                     font.family: Theme.sans
                     font.pixelSize: 12
                 }
-                Text {
+                LinkText {
                     visible: message.replies > 0
                     text: "Reply in thread"
-                    color: Theme.link
-                    font.family: Theme.sans
-                    font.pixelSize: 12
-                    Accessible.role: Accessible.Link
-                    Accessible.name: text
-                    Accessible.onPressAction: message.linkOpened("/kest?thread=" + message.threadOf)
-                    MouseArea {
-                        anchors.fill: parent
-                        cursorShape: Qt.PointingHandCursor
-                        onClicked: message.linkOpened("/kest?thread=" + message.threadOf)
-                    }
+                    onClicked: message.linkOpened("/kest?thread=" + message.threadOf)
                 }
             }
         }

@@ -14,6 +14,8 @@ ListView {
     id: timeline
     property bool inThread: false
     property bool canReact: false
+    // What Copy says it copies: a room message, or a teammate's reply.
+    property string copyTip: "Copy the message"
     // Follows new messages while the newest one shows.
     property bool stuck: true
     property Item hoveredItem: null
@@ -106,7 +108,7 @@ ListView {
         }
         IconButton {
             glyph: "copy"
-            tip: "Copy the message"
+            tip: timeline.copyTip
             Accessible.name: "Copy"
             onClicked: timeline.copied(actions.message.text)
         }

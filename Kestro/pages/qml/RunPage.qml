@@ -77,20 +77,11 @@ Item {
                 label: run.agentName + " is working"
                 since: run.started
             }
-            Text {
+            LinkText {
                 visible: run.waiting > 0
                 text: (run.waiting === 1 ? "An approval waits for you" : run.waiting + " approvals wait for you") + " in Needs you"
-                color: Theme.link
-                font.family: Theme.sans
-                font.pixelSize: 13
-                Accessible.role: Accessible.Link
-                Accessible.name: text
-                Accessible.onPressAction: run.open("/activity?view=you")
-                MouseArea {
-                    anchors.fill: parent
-                    cursorShape: Qt.PointingHandCursor
-                    onClicked: run.open("/activity?view=you")
-                }
+                size: 13
+                onClicked: run.open("/activity?view=you")
             }
 
             SectionHeader {
@@ -228,21 +219,11 @@ Item {
                                 failed: call.modelData.failed
                                 pages: []
                             }
-                            Text {
+                            LinkText {
                                 visible: call.modelData.approval.length > 0 && call.modelData.status === "waiting"
                                 Layout.leftMargin: 28
                                 text: "Decide in Needs you"
-                                color: Theme.link
-                                font.family: Theme.sans
-                                font.pixelSize: 12
-                                Accessible.role: Accessible.Link
-                                Accessible.name: text
-                                Accessible.onPressAction: run.open("/activity?view=you")
-                                MouseArea {
-                                    anchors.fill: parent
-                                    cursorShape: Qt.PointingHandCursor
-                                    onClicked: run.open("/activity?view=you")
-                                }
+                                onClicked: run.open("/activity?view=you")
                             }
                         }
                     }
