@@ -29,6 +29,10 @@ ListView {
     clip: true
     focus: true
     keyNavigationEnabled: true
+    // No current row until the keyboard picks one: a current row makes the
+    // view scroll back to it when messages arrive while the user reads.
+    currentIndex: -1
+    onActiveFocusChanged: if (timeline.activeFocus && timeline.currentIndex < 0) timeline.currentIndex = timeline.indexAt(0, timeline.contentY + timeline.height - 1)
     boundsBehavior: Flickable.StopAtBounds
     // Tall rows are measured a screen ahead, so scrolling into them does not jump.
     cacheBuffer: 800
@@ -39,6 +43,32 @@ ListView {
     onCountChanged: if (timeline.stuck) stick.restart()
     onMovementEnded: timeline.stuck = timeline.atYEnd
     onContentHeightChanged: if (timeline.stuck && !timeline.moving) stick.restart()
+
+    // A message that arrives while the user reads older ones is laid out
+    // below them, which would push what they read up by its height: the
+    // message in the middle of the view is remembered before the rows come
+    // and put back where it was after.
+    property string anchorKey
+    property real anchorOffset: 0
+    Connections {
+        target: timeline.model
+        ignoreUnknownSignals: true
+        function onRowsAboutToBeInserted() {
+            const row = timeline.indexAt(timeline.width / 2, timeline.contentY + timeline.height / 2)
+            const item = row >= 0 ? timeline.itemAtIndex(row) : null
+            timeline.anchorKey = item && !timeline.stuck ? timeline.model.keyAt(row) : ""
+            if (item)
+                timeline.anchorOffset = item.y - timeline.contentY
+        }
+        function onRowsInserted() {
+            if (timeline.anchorKey.length === 0 || timeline.stuck)
+                return
+            timeline.forceLayout()
+            const item = timeline.itemAtIndex(timeline.model.indexOf(timeline.anchorKey))
+            if (item)
+                timeline.contentY = item.y - timeline.anchorOffset
+        }
+    }
 
     // Back to the newest once the new rows are laid out.
     Timer {

@@ -1,0 +1,145 @@
+// The room's timeline on screen, fed by the room's model: a reload with
+// nothing new keeps every delegate, a new message while the user reads
+// older ones does not move what they read, and one that arrives while they
+// are at the newest message shows at once.
+
+#include "pages/KestRoomPage.h"
+#include "shell/IconProvider.h"
+
+#include <QQmlEngine>
+#include <QQuickItem>
+#include <QQuickView>
+#include <QTest>
+#include <QtQml/qqmlextensionplugin.h>
+
+Q_IMPORT_QML_PLUGIN(Kestro_ControlsPlugin)
+Q_IMPORT_QML_PLUGIN(Kestro_PagesPlugin)
+Q_IMPORT_QML_PLUGIN(Kestro_AgentWorkPlugin)
+Q_IMPORT_QML_PLUGIN(Kestro_RichTextPlugin)
+
+using namespace Qt::StringLiterals;
+using namespace Kestro;
+
+namespace {
+
+class Room : public KestRoomPage {
+public:
+    void take(const Calls::kest::KestChatResult& result) { apply(QVariant::fromValue(result)); }
+};
+
+Model::KestRoomMessage message(int i)
+{
+    Model::KestRoomMessage m;
+    m.id = u"m%1"_s.arg(i, 4, 10, QLatin1Char('0'));
+    m.from = u"person"_s;
+    m.by = {u"u1"_s, u"person"_s, u"Maya"_s, std::nullopt, std::nullopt};
+    // Heights differ from row to row, as real messages do.
+    m.text = u"Message %1.%2"_s.arg(i).arg(QString(u"\n\nmore"_s).repeated(i % 4));
+    m.at = u"2026-11-20T09:00:00Z"_s;
+    return m;
+}
+
+Calls::kest::KestChatResult roomOf(int count)
+{
+    Calls::kest::KestChatResult result;
+    result.me = u"u1"_s;
+    for (int i = 0; i < count; ++i)
+        result.messages.append(message(i));
+    return result;
+}
+
+} // namespace
+
+class KestTimelineTest : public QObject {
+    Q_OBJECT
+
+    std::unique_ptr<QQuickView> m_view;
+    std::unique_ptr<Room> m_room;
+    QQuickItem* m_list = nullptr;
+
+    QQuickItem* delegateFor(const QString& key) const
+    {
+        for (QQuickItem* item : m_list->property("contentItem").value<QQuickItem*>()->childItems())
+            if (item->property("key").toString() == key)
+                return item;
+        return nullptr;
+    }
+    // Where a message shows in the view, or NaN when it has no delegate.
+    qreal shownAt(const QString& key) const
+    {
+        QQuickItem* item = delegateFor(key);
+        return item ? item->mapToItem(m_list, QPointF()).y() : qQNaN();
+    }
+
+private slots:
+    void init()
+    {
+        m_room = std::make_unique<Room>();
+        m_room->take(roomOf(200));
+        m_view = std::make_unique<QQuickView>();
+        m_view->engine()->addImportPath(u"qrc:/"_s);
+        m_view->engine()->addImageProvider(u"icon"_s, new IconProvider);
+        m_view->setInitialProperties({{u"model"_s, QVariant::fromValue<QObject*>(m_room->messages())}});
+        m_view->setSource(QUrl(u"qrc:/Kestro/Pages/KestTimeline.qml"_s));
+        QVERIFY2(m_view->status() == QQuickView::Ready, qPrintable(m_view->errors().value(0).toString()));
+        m_view->setResizeMode(QQuickView::SizeRootObjectToView);
+        m_view->resize(600, 500);
+        m_view->show();
+        QVERIFY(QTest::qWaitForWindowExposed(m_view.get()));
+        m_list = m_view->rootObject();
+        // The newest message shows at the bottom.
+        QTRY_VERIFY(!qIsNaN(shownAt(u"m0199"_s)));
+        QTRY_VERIFY(shownAt(u"m0199"_s) > 300);
+    }
+    void cleanup()
+    {
+        m_view.reset();
+        m_room.reset();
+    }
+
+    void aReloadWithNothingNewKeepsEveryDelegate()
+    {
+        QQuickItem* newest = delegateFor(u"m0199"_s);
+        QQuickItem* older = delegateFor(u"m0197"_s);
+        QVERIFY(newest && older);
+        const qreal at = shownAt(u"m0197"_s);
+        m_room->take(roomOf(200));
+        QTest::qWait(50);
+        QCOMPARE(delegateFor(u"m0199"_s), newest);
+        QCOMPARE(delegateFor(u"m0197"_s), older);
+        QCOMPARE(shownAt(u"m0197"_s), at);
+    }
+
+    void aNewMessageDoesNotMoveWhatTheUserReads()
+    {
+        // Scroll up into the history, as a reader's drag does, and let go.
+        m_list->setProperty("contentY", m_list->property("contentY").toReal() - 1500);
+        QVERIFY(QMetaObject::invokeMethod(m_list, "movementEnded"));
+        QVERIFY(!m_list->property("stuck").toBool());
+        QTest::qWait(100);
+        QString read;
+        for (QQuickItem* item : m_list->property("contentItem").value<QQuickItem*>()->childItems()) {
+            const qreal y = item->mapToItem(m_list, QPointF()).y();
+            if (y > 100 && y < 300 && !item->property("key").toString().isEmpty())
+                read = item->property("key").toString();
+        }
+        QVERIFY(!read.isEmpty());
+        const qreal at = shownAt(read);
+        auto more = roomOf(201);
+        m_room->take(more);
+        QTest::qWait(100);
+        QCOMPARE(shownAt(read), at);
+        QVERIFY(m_list->property("atYEnd").toBool() == false);
+    }
+
+    void aNewMessageShowsWhenTheUserIsAtTheNewest()
+    {
+        m_room->take(roomOf(201));
+        QTRY_VERIFY(!qIsNaN(shownAt(u"m0200"_s)));
+        QTRY_VERIFY(shownAt(u"m0200"_s) > 300);
+        QVERIFY(m_list->property("stuck").toBool());
+    }
+};
+
+QTEST_MAIN(KestTimelineTest)
+#include "tst_kest_timeline.moc"
