@@ -1,15 +1,12 @@
 #include "SiteIconProvider.h"
 
+#include "richtext/ServiceImageResponse.h"
 #include "service/Client.h"
-#include "service/ServiceError.h"
 
-#include <QCoreApplication>
 #include <QCoroTask>
 #include <QHash>
 #include <QImage>
-#include <QMutex>
 #include <QPointer>
-#include <QQuickTextureFactory>
 #include <QRegularExpression>
 
 namespace Kestro {
@@ -30,52 +27,26 @@ IconCache& cache()
     return instance;
 }
 
-class SiteIconResponse final : public QQuickImageResponse {
+class SiteIconResponse final : public ServiceImageResponse {
 public:
-    SiteIconResponse(QString host, QSize requestedSize) : m_host(std::move(host)), m_size(requestedSize)
+    SiteIconResponse(QString host, QSize requestedSize)
+        : ServiceImageResponse(requestedSize), m_host(std::move(host))
     {
-        // Queued on the GUI thread even from there, so `finished` never
-        // fires before the image loader has connected to it.
-        QMetaObject::invokeMethod(
-            QCoreApplication::instance(),
-            [self = QPointer<SiteIconResponse>(this)] {
-                if (self)
-                    self->ask();
-            },
-            Qt::QueuedConnection);
-    }
-
-    QQuickTextureFactory* textureFactory() const override
-    {
-        QMutexLocker lock(&m_mutex);
-        return QQuickTextureFactory::textureFactoryForImage(m_image);
-    }
-    QString errorString() const override
-    {
-        QMutexLocker lock(&m_mutex);
-        return m_error;
     }
 
     void settle(const QImage& image)
     {
-        QImage sized = image;
-        if (!sized.isNull() && m_size.isValid() && !m_size.isEmpty())
-            sized = sized.scaled(m_size, Qt::KeepAspectRatio, Qt::SmoothTransformation);
-        {
-            QMutexLocker lock(&m_mutex);
-            m_image = sized;
-            m_error =
-                image.isNull() ? QStringLiteral("The icon of %1 could not be had.").arg(m_host) : QString();
-        }
-        emit finished();
+        ServiceImageResponse::settle(
+            image,
+            image.isNull() ? QStringLiteral("The icon of %1 could not be had.").arg(m_host) : QString());
     }
 
 private:
-    void ask()
+    void start() override
     {
         IconCache& icons = cache();
         if (!SiteIconProvider::isHost(m_host))
-            return settle({});
+            return settle(QImage());
         if (const auto known = icons.known.constFind(m_host); known != icons.known.constEnd())
             return settle(*known);
         auto& waiters = icons.waiting[m_host];
@@ -102,10 +73,6 @@ private:
     }
 
     QString m_host;
-    QSize m_size;
-    mutable QMutex m_mutex;
-    QImage m_image;
-    QString m_error;
 };
 
 } // namespace

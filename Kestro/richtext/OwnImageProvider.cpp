@@ -1,48 +1,29 @@
 #include "OwnImageProvider.h"
 
+#include "ServiceImageResponse.h"
+
 #include "Inline.h"
 #include "service/Client.h"
 #include "service/ServiceError.h"
 
-#include <QCoreApplication>
 #include <QCoroTask>
 #include <QImage>
-#include <QMutex>
 #include <QPointer>
-#include <QQuickTextureFactory>
 
 namespace Kestro {
 
 namespace {
 
-class OwnImageResponse final : public QQuickImageResponse {
+class OwnImageResponse final : public ServiceImageResponse {
 public:
-    OwnImageResponse(QString path, QSize requestedSize) : m_path(std::move(path)), m_size(requestedSize)
+    OwnImageResponse(QString path, QSize requestedSize)
+        : ServiceImageResponse(requestedSize), m_path(std::move(path))
     {
-        // The client lives on the GUI thread; the image loader may not. Queued
-        // also on the GUI thread, so `finished` never fires before the caller
-        // has connected to it.
-        QMetaObject::invokeMethod(
-            QCoreApplication::instance(),
-            [self = QPointer<OwnImageResponse>(this)] {
-                if (self)
-                    self->fetch();
-            },
-            Qt::QueuedConnection);
-    }
-
-    QQuickTextureFactory* textureFactory() const override
-    {
-        QMutexLocker lock(&m_mutex);
-        return QQuickTextureFactory::textureFactoryForImage(m_image);
-    }
-    QString errorString() const override
-    {
-        QMutexLocker lock(&m_mutex);
-        return m_error;
     }
 
 private:
+    void start() override { fetch(); }
+
     QCoro::Task<> fetch()
     {
         QPointer<OwnImageResponse> self(this);
@@ -60,23 +41,11 @@ private:
                 error = failure.description();
             }
         }
-        if (!self)
-            co_return;
-        if (m_size.isValid() && !m_size.isEmpty() && !image.isNull())
-            image = image.scaled(m_size, Qt::KeepAspectRatio, Qt::SmoothTransformation);
-        {
-            QMutexLocker lock(&m_mutex);
-            m_image = image;
-            m_error = error;
-        }
-        emit finished();
+        if (self)
+            settle(std::move(image), error);
     }
 
     QString m_path;
-    QSize m_size;
-    mutable QMutex m_mutex;
-    QImage m_image;
-    QString m_error;
 };
 
 } // namespace

@@ -322,6 +322,30 @@ private slots:
         QTRY_VERIFY(route().contains(u"/runs/"_s));
         QTRY_VERIFY_WITH_TIMEOUT(showing(u"runPage"_s) && text(u"pageTitle"_s).endsWith(u"'s run"_s), 20000);
         shoot(u"run-page"_s);
+        m_app->appearance().setMode(u"dark"_s);
+        m_app->router().goBack();
+        QTRY_VERIFY_WITH_TIMEOUT(showing(u"threadPanel"_s), 20000);
+        QTest::qWait(300);
+        shoot(u"kest-thread-dark"_s);
+        m_app->appearance().setMode(u"system"_s);
+    }
+
+    void startsAThreadWithOneTeammate()
+    {
+        // The sidebar's teammates open their one-to-one chat.
+        m_app->router().open(u"/kest/quill/chat"_s);
+        QTRY_VERIFY_WITH_TIMEOUT(showing(u"chatThreads"_s), 20000);
+        QTRY_COMPARE(text(u"pageTitle"_s), u"Quill"_s);
+        shoot(u"direct-chat"_s);
+        QVERIFY(QMetaObject::invokeMethod(find(u"chatPrompt"_s), "focusEditor"));
+        xdo({u"type"_s, u"--delay"_s, u"5"_s, u"Draft a two-line welcome e-mail"_s});
+        xdo({u"key"_s, u"Return"_s});
+        QTRY_VERIFY_WITH_TIMEOUT(route().startsWith(u"/kest/quill/chat/"_s), 10000);
+        QTRY_VERIFY_WITH_TIMEOUT(showing(u"chatTimeline"_s), 20000);
+        // Quill's answer arrives in the thread.
+        QTRY_VERIFY_WITH_TIMEOUT(find(u"chatTimeline"_s)->property("count").toInt() >= 2, 30000);
+        QTest::qWait(300);
+        shoot(u"direct-thread"_s);
     }
 
     void showsTheMissingPage()
