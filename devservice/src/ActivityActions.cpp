@@ -308,9 +308,9 @@ json waiting(ActionContext& ctx, const json&)
         std::string text = step.value("why", "It asks before it goes on");
         if (step.contains("input"))
             text += " (" + step["input"].get<std::string>() + ")";
-        add("approval:" + run["id"].get<std::string>() + ":" + std::to_string(at), "approval", "approvals",
-            agentActor(s, workspace, run["agent"]), step["label"], text + ".", runHref(run),
-            step.value("since", run["startedAt"].get<std::string>()), undefinedTag());
+        add(approvalIdOf(run, at), "approval", "approvals", agentActor(s, workspace, run["agent"]),
+            step["label"], text + ".", runHref(run), step.value("since", run["startedAt"].get<std::string>()),
+            undefinedTag());
     }
 
     for (const json& task : s.store.list("task", workspace)) {

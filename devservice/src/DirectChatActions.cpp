@@ -9,20 +9,30 @@ namespace {
 
 json agentView(const json& t)
 {
-    return {{"handle", t["handle"]}, {"name", t["name"]},     {"title", t["title"]},
-            {"avatar", t["avatar"]}, {"status", t["status"]}, {"lead", t["lead"]}};
+    return {{"handle", t["handle"]}, {"name", t["name"]}, {"title", t["title"]},  {"avatar", t["avatar"]},
+            {"status", t["status"]}, {"lead", t["lead"]}, {"paused", isPaused(t)}};
 }
 
-json summaryOf(const json& thread)
+// What the teammate is doing in the thread now, while its run works.
+std::optional<std::string> doingIn(Service& s, const json& thread)
+{
+    if (thread.value("status", "") != "replying" || !thread.contains("runId"))
+        return std::nullopt;
+    if (auto run = s.store.get("run", thread["runId"]); run && (*run)["doing"].is_string())
+        return (*run)["doing"].get<std::string>();
+    return std::nullopt;
+}
+
+json summaryOf(Service& s, const json& thread)
 {
     json summary = {{"id", thread["id"]},
-                    {"call", false},
+                    {"call", thread.value("call", false)},
                     {"createdAt", thread["createdAt"]},
                     {"updatedAt", thread["updatedAt"]},
                     {"title", thread["title"]},
                     {"status", thread["status"]},
                     {"agent", thread["agent"]},
-                    {"telegram", false},
+                    {"telegram", thread.value("telegram", false)},
                     {"replies", thread["messages"].size()}};
     if (!thread["messages"].empty()) {
         summary["firstMessage"] = thread["messages"].front();
@@ -30,16 +40,19 @@ json summaryOf(const json& thread)
     }
     if (thread.contains("runId"))
         summary["runId"] = thread["runId"];
+    if (thread.contains("error"))
+        summary["error"] = thread["error"];
+    if (const auto doing = doingIn(s, thread))
+        summary["doing"] = *doing;
     return summary;
 }
 
 json threadView(Service& s, json thread)
 {
-    if (thread.contains("runId"))
-        if (auto run = s.store.get("run", thread["runId"]); run && (*run)["doing"].is_string())
-            thread["doing"] = (*run)["doing"];
-    thread["call"] = false;
-    thread["telegram"] = false;
+    if (const auto doing = doingIn(s, thread))
+        thread["doing"] = *doing;
+    thread["call"] = thread.value("call", false);
+    thread["telegram"] = thread.value("telegram", false);
     return thread;
 }
 
@@ -57,7 +70,7 @@ json chatPage(ActionContext& ctx, const std::string& handle, const std::optional
     for (const json& thread : s.store.list("dmthread", ctx.caller.workspace)) {
         if (thread["agent"] != handle || thread["user"] != ctx.caller.user)
             continue;
-        threads.push_back(summaryOf(thread));
+        threads.push_back(summaryOf(s, thread));
         if (thread.contains("runId"))
             if (auto run = s.store.get("run", thread["runId"]))
                 traces[thread["runId"].get<std::string>()] = traceOf(*run);
@@ -106,6 +119,7 @@ void ask(ActionContext& ctx, json& thread, const std::string& body)
         startRun(ctx.service, ctx.caller.workspace, thread["agent"], body, thread["id"], ctx.caller.user);
     thread["runId"] = runId;
     thread["status"] = "replying";
+    thread.erase("error");
     thread["updatedAt"] = isoNow();
     ctx.service.store.put("dmthread", thread["id"], ctx.caller.workspace, thread);
     ctx.changed("/kest/" + thread["agent"].get<std::string>() + "/chat");
@@ -141,8 +155,18 @@ json sendMessage(ActionContext& ctx, const json& args)
         return {{"error", "That conversation is gone. Start a new one."}};
     if (body.find_first_not_of(" \t\r\n") == std::string::npos)
         return {{"error", "Tell us what you need first, then press Send."}};
-    if ((*thread)["status"] == "replying")
-        return {{"error", "Wait for the answer in progress, then send again."}};
+    // While the teammate works on an answer, the message goes into it.
+    if ((*thread)["status"] == "replying" && thread->contains("runId"))
+        if (auto run = ctx.service.store.get("run", (*thread)["runId"]);
+            run && (*run)["status"] != "done" && (*run)["status"] != "failed") {
+            (*thread)["messages"].push_back(
+                {{"id", newId("dm")}, {"role", "user"}, {"text", body}, {"at", isoNow()}});
+            (*thread)["updatedAt"] = isoNow();
+            ctx.service.store.put("dmthread", threadId, ctx.caller.workspace, *thread);
+            handOver(ctx.service, *run, body);
+            ctx.changed("/kest/" + (*thread)["agent"].get<std::string>() + "/chat");
+            return {{"done", true}, {"id", threadId}};
+        }
     ask(ctx, *thread, body);
     return {{"done", true}, {"id", threadId}};
 }

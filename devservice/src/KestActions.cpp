@@ -2,20 +2,38 @@
 
 #include "Actions.h"
 #include "Teammates.h"
+#include "Voices.h"
 
 #include <algorithm>
+#include <map>
+#include <regex>
+#include <unordered_map>
 
 namespace devservice {
 
 namespace {
 
-json answeringIn(Service& s, const std::string& workspace, const std::string& threadId)
+// The room shows its latest top-level messages, a thread its latest replies;
+// older ones stay in the store (the room page's counts include them).
+constexpr size_t roomPage = 500;
+constexpr size_t threadPage = 50;
+
+// The runs answering in the room: not task work, not one-to-one chats.
+std::vector<json> roomRuns(Service& s, const std::string& workspace)
+{
+    std::vector<json> out;
+    for (json& run : activeRuns(s, workspace)) {
+        const std::string thread = run.value("threadId", "");
+        if (!thread.empty() && s.store.get("message", thread))
+            out.push_back(std::move(run));
+    }
+    return out;
+}
+
+json answeringIn(const std::vector<json>& runs, const std::string& threadId)
 {
     json out = json::array();
-    for (const json& run : activeRuns(s, workspace)) {
-        // Only runs answering in the room: not task work, not one-to-one chats.
-        if (run["threadId"].get<std::string>().empty() || !s.store.get("message", run["threadId"]))
-            continue;
+    for (const json& run : runs) {
         if (!threadId.empty() && run["threadId"] != threadId)
             continue;
         json answer = {{"agent", run["agent"]}, {"runId", run["id"]}, {"threadId", run["threadId"]}};
@@ -35,52 +53,73 @@ json messageView(const json& m)
     return view;
 }
 
-json roomMessage(Service& s, const std::string& workspace, const json& m, const std::vector<json>& all)
+json roomMessage(const json& m, const std::vector<const json*>& replies, const std::vector<json>& runs)
 {
     json view = messageView(m);
-    int replies = 0;
     std::string last;
     json repliedBy = json::array();
-    for (const json& r : all) {
-        if (r.value("threadId", json()) != m["id"])
-            continue;
-        ++replies;
-        last = r["at"];
+    for (const json* r : replies) {
+        last = (*r)["at"];
         const bool seen = std::any_of(repliedBy.begin(), repliedBy.end(),
-                                      [&](const json& f) { return f["name"] == r["by"]["name"]; });
+                                      [&](const json& f) { return f["name"] == (*r)["by"]["name"]; });
         if (!seen) {
-            json face = {{"name", r["by"]["name"]}};
-            if (r["from"] == "agent") {
-                face["agent"] = r["agent"];
-                face["avatar"] = r.value("avatar", "");
+            json face = {{"name", (*r)["by"]["name"]}};
+            if ((*r)["from"] == "agent") {
+                face["agent"] = (*r)["agent"];
+                face["avatar"] = r->value("avatar", "");
             } else {
-                face["person"] = r["by"]["id"];
+                face["person"] = (*r)["by"]["id"];
             }
             repliedBy.push_back(face);
         }
     }
-    view["replies"] = replies;
+    view["replies"] = replies.size();
     view["lastReplyAt"] = last.empty() ? undefinedTag() : json(last);
     view["repliedBy"] = repliedBy;
-    view["answering"] = answeringIn(s, workspace, m["id"]);
+    view["answering"] = answeringIn(runs, m["id"]);
     return view;
 }
 
-json traces(Service& s, const json& answering, const std::vector<json>& messages)
+// The traces of the runs the page shows: those answering now and those that
+// wrote a message on the page.
+json traces(Service& s, const std::vector<json>& runs, const std::vector<const json*>& shown)
 {
     json out = json::object();
-    auto add = [&](const std::string& runId) {
+    for (const json& run : runs)
+        out[run["id"].get<std::string>()] = traceOf(run);
+    for (const json* m : shown) {
+        const std::string runId = m->contains("runId") && (*m)["runId"].is_string() ? (*m)["runId"] : "";
         if (runId.empty() || out.contains(runId))
-            return;
+            continue;
         if (auto run = s.store.get("run", runId))
             out[runId] = traceOf(*run);
-    };
-    for (const json& a : answering)
-        add(a["runId"]);
-    for (const json& m : messages)
-        if (m.contains("runId") && m["runId"].is_string())
-            add(m["runId"]);
+    }
     return out;
+}
+
+// The kest as the room lists it; a teammate needs you while one of its runs
+// waits for your approval.
+json kestList(Service& s, const Caller& caller)
+{
+    std::map<std::string, bool> waiting;
+    for (const json& run : activeRuns(s, caller.workspace)) {
+        if (!waitsForYou(run))
+            continue;
+        const std::string thread = run.value("threadId", "");
+        const auto direct = thread.empty() ? std::nullopt : s.store.get("dmthread", thread);
+        if (!direct || (*direct)["user"] == caller.user)
+            waiting[run["agent"]] = true;
+    }
+    json kest = json::array();
+    for (const json& t : s.teammates(caller.workspace))
+        kest.push_back({{"handle", t["handle"]},
+                        {"name", t["name"]},
+                        {"title", t["title"]},
+                        {"avatar", t["avatar"]},
+                        {"status", t["status"]},
+                        {"needsYou", waiting.count(t["handle"]) > 0},
+                        {"lead", t["lead"]}});
+    return kest;
 }
 
 json kestChat(ActionContext& ctx, const json& args)
@@ -89,50 +128,97 @@ json kestChat(ActionContext& ctx, const json& args)
     const std::string workspace = ctx.caller.workspace;
     const auto threadId = optionalText(args, 0, "thread");
     const std::vector<json> all = s.store.list("message", workspace);
+    // Replies by thread, in the order they were posted.
+    std::vector<const json*> top;
+    std::unordered_map<std::string, std::vector<const json*>> replies;
+    for (const json& m : all) {
+        if (m.contains("threadId") && m["threadId"].is_string())
+            replies[m["threadId"].get<std::string>()].push_back(&m);
+        else
+            top.push_back(&m);
+    }
+    const std::vector<json> runs = roomRuns(s, workspace);
+    static const std::vector<const json*> none;
+    const auto repliesOf = [&](const std::string& id) -> const std::vector<const json*>& {
+        const auto found = replies.find(id);
+        return found == replies.end() ? none : found->second;
+    };
     json messages = json::array();
-    std::vector<json> top;
-    for (const json& m : all)
-        if (!m.contains("threadId") || m["threadId"].is_null())
-            top.push_back(m);
-    const size_t from = top.size() > 50 ? top.size() - 50 : 0;
-    for (size_t i = from; i < top.size(); ++i)
-        messages.push_back(roomMessage(s, workspace, top[i], all));
-    const json answering = answeringIn(s, workspace, "");
-    json result = {
-        {"me", ctx.caller.user}, {"messages", messages}, {"answering", answering}, {"reads", true}};
+    std::vector<const json*> shown;
+    for (size_t i = top.size() > roomPage ? top.size() - roomPage : 0; i < top.size(); ++i) {
+        messages.push_back(roomMessage(*top[i], repliesOf((*top[i])["id"]), runs));
+        shown.push_back(top[i]);
+    }
+    json result = {{"me", ctx.caller.user},
+                   {"messages", messages},
+                   {"answering", answeringIn(runs, "")},
+                   {"reads", true}};
     if (threadId) {
         const auto first = s.store.get("message", *threadId);
         if (!first) {
             ctx.notFound();
         } else {
-            json replies = json::array();
+            const auto& all = repliesOf(*threadId);
+            json page = json::array();
             json with = json::array();
-            for (const json& r : all) {
-                if (r.value("threadId", json()) != *threadId)
-                    continue;
-                replies.push_back(messageView(r));
-                if (r["from"] == "agent" && std::find(with.begin(), with.end(), r["agent"]) == with.end())
-                    with.push_back(r["agent"]);
+            for (size_t i = all.size() > threadPage ? all.size() - threadPage : 0; i < all.size(); ++i) {
+                page.push_back(messageView(*all[i]));
+                shown.push_back(all[i]);
             }
+            for (const json* r : all)
+                if ((*r)["from"] == "agent" &&
+                    std::find(with.begin(), with.end(), (*r)["agent"]) == with.end())
+                    with.push_back((*r)["agent"]);
             result["thread"] = {{"message", messageView(*first)},
-                                {"replies", replies},
-                                {"total", replies.size()},
-                                {"answering", answeringIn(s, workspace, *threadId)},
+                                {"replies", page},
+                                {"total", all.size()},
+                                {"answering", answeringIn(runs, *threadId)},
                                 {"with", with}};
         }
     }
-    result["traces"] = traces(s, answering, all);
-    json kest = json::array();
-    for (const json& t : s.teammates(workspace))
-        kest.push_back({{"handle", t["handle"]},
-                        {"name", t["name"]},
-                        {"title", t["title"]},
-                        {"avatar", t["avatar"]},
-                        {"status", t["status"]},
-                        {"needsYou", false},
-                        {"lead", t["lead"]}});
-    result["kest"] = kest;
+    result["traces"] = traces(s, runs, shown);
+    result["kest"] = kestList(s, ctx.caller);
     return result;
+}
+
+// "stop", "@forge stop", "stop please", "please stop, wrong thread": a short
+// message with the word in it. A longer one is more likely a question about
+// stopping than an order to.
+bool asksToStop(const std::string& text)
+{
+    static const std::regex stop(R"((^|[^\w])stop([^\w]|$))", std::regex::icase);
+    if (!std::regex_search(text, stop))
+        return false;
+    static const std::regex word(R"((^|\s)[^@\s]+)");
+    const auto words =
+        std::distance(std::sregex_iterator(text.begin(), text.end(), word), std::sregex_iterator());
+    return words <= 6;
+}
+
+// The lead says whom it passed an unaddressed message to, when more than one
+// teammate would have fit.
+void announcePick(Service& s, const std::string& workspace, const std::string& thread, const Routing& routing)
+{
+    const std::vector<json> kest = s.teammates(workspace);
+    if (kest.empty() || routing.to.empty() || kest.front()["handle"] == routing.to.front())
+        return;
+    const json& lead = kest.front();
+    const std::string id = newId("m");
+    s.store.put("message", id, workspace,
+                {{"id", id},
+                 {"threadId", thread},
+                 {"from", "agent"},
+                 {"by", {{"id", lead["handle"]}, {"type", "agent"}, {"name", lead["name"]}}},
+                 {"agent", lead["handle"]},
+                 {"avatar", lead["avatar"]},
+                 {"text", passingNote(routing.to.front(), routing.alsoFit)},
+                 {"to", json::array()},
+                 {"reads", json::array()},
+                 {"failed", false},
+                 {"approvalIds", json::array()},
+                 {"reactions", json::array()},
+                 {"cites", json::array()},
+                 {"at", isoNow()}});
 }
 
 json postKestMessage(ActionContext& ctx, const json& args)
@@ -140,6 +226,7 @@ json postKestMessage(ActionContext& ctx, const json& args)
     if (auto refusal = ctx.refuseReadOnly())
         return *refusal;
     Service& s = ctx.service;
+    const std::string workspace = ctx.caller.workspace;
     const json input = object(args, 0, "input");
     const std::string text = memberText(input, "text").value_or("");
     if (text.find_first_not_of(" \t\r\n") == std::string::npos)
@@ -148,14 +235,29 @@ json postKestMessage(ActionContext& ctx, const json& args)
     if (threadId && !s.store.get("message", *threadId))
         return {{"error", "That thread is gone. Start a new message instead."}};
     const json author = s.person(ctx.caller.user);
-    bool triaged = false;
-    const std::vector<std::string> to = recipients(s, ctx.caller.workspace, text, triaged);
+    // The answers already running in the thread the message goes to.
+    std::vector<json> running;
+    if (threadId)
+        for (json& run : activeRuns(s, workspace))
+            if (run["threadId"] == *threadId)
+                running.push_back(std::move(run));
+    const Routing routing = route(s, workspace, text);
+    const bool stopping = threadId && asksToStop(text);
+    // In a thread where teammates are at work, a message that names nobody
+    // is for them: it goes into their answers.
+    const bool toRunning = !stopping && routing.triaged && !running.empty();
+    const bool triaged = routing.triaged && !stopping && !toRunning;
+    json to = json::array();
+    if (!routing.triaged)
+        for (const auto* list : {&routing.to, &routing.paused})
+            for (const std::string& handle : *list)
+                to.push_back(handle);
     const std::string id = newId("m");
     json message = {{"id", id},
                     {"from", "person"},
                     {"by", {{"id", ctx.caller.user}, {"type", "person"}, {"name", author["name"]}}},
                     {"text", text},
-                    {"to", triaged ? json::array() : json(to)},
+                    {"to", to},
                     {"reads", {ctx.caller.user}},
                     {"failed", false},
                     {"approvalIds", json::array()},
@@ -164,15 +266,53 @@ json postKestMessage(ActionContext& ctx, const json& args)
                     {"at", isoNow()}};
     if (threadId)
         message["threadId"] = *threadId;
-    s.store.put("message", id, ctx.caller.workspace, message);
+    s.store.put("message", id, workspace, message);
     const std::string thread = threadId.value_or(id);
-    json started = json::array();
-    for (const std::string& agent : to) {
-        startRun(s, ctx.caller.workspace, agent, text, thread, ctx.caller.user);
-        started.push_back(agent);
+
+    json started = json::array(), handed = json::array(), stopped = json::array(), skipped = json::array();
+    if (stopping) {
+        // "@forge stop" stops Forge; "stop" alone stops everyone at work here.
+        const bool named = !routing.triaged && !routing.everyone;
+        const std::string name = author["name"];
+        for (const json& run : running) {
+            const std::string agent = run["agent"];
+            if (named && std::find(routing.to.begin(), routing.to.end(), agent) == routing.to.end() &&
+                std::find(routing.paused.begin(), routing.paused.end(), agent) == routing.paused.end())
+                continue;
+            stopRun(s, run, name.substr(0, name.find(' ')));
+            stopped.push_back(agent);
+        }
+    } else if (toRunning) {
+        for (const json& run : running) {
+            handOver(s, run, text);
+            handed.push_back(run["agent"]);
+        }
+    } else {
+        for (const std::string& agent : routing.to) {
+            const auto busy = std::find_if(running.begin(), running.end(),
+                                           [&](const json& run) { return run["agent"] == agent; });
+            if (busy != running.end()) {
+                handOver(s, *busy, text);
+                handed.push_back(agent);
+            } else {
+                startRun(s, workspace, agent, text, thread, ctx.caller.user);
+                started.push_back(agent);
+            }
+        }
+        for (const std::string& agent : routing.paused)
+            skipped.push_back({{"agent", agent}, {"error", "It is paused in its settings."}});
+        if (triaged && !routing.alsoFit.empty() && !started.empty())
+            announcePick(s, workspace, thread, routing);
     }
     ctx.changed("/kest");
-    return {{"done", true}, {"threadId", thread}, {"started", started}, {"triaging", triaged}};
+    json result = {{"done", true}, {"threadId", thread}, {"started", started}, {"triaging", triaged}};
+    if (!handed.empty())
+        result["handed"] = handed;
+    if (stopping)
+        result["stopped"] = stopped;
+    if (!skipped.empty())
+        result["skipped"] = skipped;
+    return result;
 }
 
 json reactInKest(ActionContext& ctx, const json& args)
@@ -206,8 +346,70 @@ json reactInKest(ActionContext& ctx, const json& args)
 
 json agentView(const json& t)
 {
-    return {{"handle", t["handle"]}, {"name", t["name"]},     {"title", t["title"]},
-            {"avatar", t["avatar"]}, {"status", t["status"]}, {"lead", t["lead"]}};
+    return {{"handle", t["handle"]}, {"name", t["name"]}, {"title", t["title"]},  {"avatar", t["avatar"]},
+            {"status", t["status"]}, {"lead", t["lead"]}, {"paused", isPaused(t)}};
+}
+
+// A step's input as the run page shows it: tools take JSON, so JSON text is
+// sent as the value it is; anything else as the text it was.
+json inputValue(const json& step)
+{
+    const std::string input = step.value("input", "");
+    if (!input.empty() && (input[0] == '{' || input[0] == '[')) {
+        json parsed = json::parse(input, nullptr, false);
+        if (!parsed.is_discarded())
+            return parsed;
+    }
+    return input;
+}
+
+// The run's rounds as the run page lists them: each with its calls and, when
+// its steps have run, when it started and ended.
+json roundsOf(const json& run)
+{
+    struct Round {
+        json calls = json::array();
+        std::string startedAt, endedAt;
+        bool open = false;
+    };
+    std::map<size_t, Round> rounds;
+    const json& plan = run["plan"];
+    for (size_t i = 0; i < plan.size(); ++i) {
+        const json& step = plan[i];
+        Round& round = rounds[step.value("round", i / 2)];
+        const std::string state = step.value("state", "");
+        if (state.empty() || state == "running" || state == "waiting")
+            round.open = true;
+        if (state.empty())
+            continue;
+        if (round.startedAt.empty())
+            round.startedAt = step.value("startedAt", run["startedAt"].get<std::string>());
+        round.endedAt = step.value("endedAt", round.endedAt);
+        json call = {{"tool", step["tool"]},
+                     {"label", step["label"]},
+                     {"input", inputValue(step)},
+                     {"why", step.value("why", "")},
+                     {"status", state}};
+        if (state == "done" || state == "failed")
+            call["result"] = step.value("result", "");
+        if (state == "waiting")
+            call["approvalId"] = approvalIdOf(run, i);
+        round.calls.push_back(call);
+    }
+    const json doings = run.value("rounds", json::array());
+    const bool ended = run["status"] == "done" || run["status"] == "failed";
+    json out = json::array();
+    for (auto& [index, round] : rounds) {
+        if (round.calls.empty())
+            continue;
+        json view = {{"startedAt", round.startedAt},
+                     {"doing", index < doings.size() ? doings[index]["doing"] : json("")},
+                     {"calls", round.calls}};
+        if ((!round.open || ended) && !round.endedAt.empty())
+            view["endedAt"] = round.endedAt;
+        out.push_back(view);
+    }
+    return out;
 }
 
 json runPage(ActionContext& ctx, const json& args)
@@ -220,31 +422,19 @@ json runPage(ActionContext& ctx, const json& args)
         ctx.notFound();
         return nullptr;
     }
-    const json trace = traceOf(*run);
-    json rounds = json::array();
-    for (const json& round : trace["rounds"]) {
-        json calls = json::array();
-        for (const json& step : round["steps"])
-            calls.push_back({{"tool", step["tool"]},
-                             {"label", step["label"]},
-                             {"input", step.value("input", "")},
-                             {"why", step.value("why", "")},
-                             {"status", step["status"]},
-                             {"result", step.value("result", "")}});
-        rounds.push_back(
-            {{"startedAt", trace["startedAt"]}, {"doing", round.value("doing", "")}, {"calls", calls}});
-    }
     json view = {{"id", runId},
                  {"agent", handle},
                  {"status", (*run)["status"]},
                  {"startedAt", (*run)["startedAt"]},
-                 {"cites", json::array()},
-                 {"rounds", rounds}};
-    if ((*run)["status"] == "done") {
+                 {"cites", run->value("cites", json::array())},
+                 {"rounds", roundsOf(*run)}};
+    if (run->contains("endedAt") && (*run)["endedAt"].is_string())
         view["endedAt"] = (*run)["endedAt"];
+    if ((*run)["status"] == "done")
         view["reply"] = (*run)["reply"];
-    }
-    return {{"run", view}, {"agent", agentView(mate)}, {"trace", trace}};
+    if (run->contains("draft"))
+        view["draft"] = (*run)["draft"];
+    return {{"run", view}, {"agent", agentView(mate)}, {"trace", traceOf(*run)}};
 }
 
 } // namespace

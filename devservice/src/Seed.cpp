@@ -1,3 +1,4 @@
+#include "History.h"
 #include "Service.h"
 #include "Teammates.h"
 
@@ -36,12 +37,30 @@ void seed(Service& service)
                    {"email", "maya@northwind.example"},
                    {"password", "demo"}});
         store.put("user", "u2", "", {{"id", "u2"}, {"name", "Jon Berg"}, {"email", "jon@northwind.example"}});
+        // The rest of the studio: they do not sign in here, but the room is
+        // theirs too.
+        const std::vector<Person> studio = {{"u1", "Maya Lindqvist"},
+                                            {"u2", "Jon Berg"},
+                                            {"u3", "Priya Raman"},
+                                            {"u4", "Tomás Ortega"},
+                                            {"u5", "Lena Fischer"}};
+        const char* emails[] = {"", "", "priya@northwind.example", "tomas@northwind.example",
+                                "lena@northwind.example"};
+        json members = json::object();
+        for (size_t i = 0; i < studio.size(); ++i) {
+            const Person& p = studio[i];
+            if (i >= 2) {
+                store.put("user", p.id, "", {{"id", p.id}, {"name", p.name}, {"email", emails[i]}});
+                store.put("pref", p.id, "", {{"workspace", "w1"}});
+            }
+            members[p.id] = i == 0 ? "owner" : "member";
+        }
         store.put("workspace", "w1", "w1",
                   {{"id", "w1"},
                    {"name", "Northwind Studio"},
                    {"slug", "northwind"},
                    {"plan", "team"},
-                   {"members", {{"u1", "owner"}, {"u2", "member"}}}});
+                   {"members", members}});
         store.put("workspace", "w2", "w2",
                   {{"id", "w2"},
                    {"name", "Lakeside Labs"},
@@ -59,8 +78,13 @@ void seed(Service& service)
                   teammateView("atlas", "Atlas", "Researcher", false, "marketing", "researcher"),
                   teammateView("forge", "Forge", "Engineer", false, "engineering", "engineer"),
                   teammateView("pixel", "Pixel", "Designer", false, "marketing", "designer"),
-                  teammateView("ledger", "Ledger", "Operations", false, "operations", "operations")})
-                store.put("teammate", w + ":" + t["handle"].get<std::string>(), w, t);
+                  teammateView("ledger", "Ledger", "Operations", false, "operations", "operations")}) {
+                json mate = t;
+                // Lakeside Labs has no design work this quarter: Pixel is paused there.
+                if (w == "w2" && mate["handle"] == "pixel")
+                    mate["paused"] = true;
+                store.put("teammate", w + ":" + mate["handle"].get<std::string>(), w, mate);
+            }
         }
 
         // Projects and tasks.
@@ -116,6 +140,14 @@ void seed(Service& service)
         json other = service.newTask("w2", "Order lab supplies", "todo", "operations", "u2", t0 - 7200);
         other["assignee"] = nova;
         store.put("task", other["id"].get<std::string>(), "w2", other);
+
+        // Three weeks of the room and of Maya's chats before today, written
+        // first so they come before today's messages in the room's order.
+        // Forge joined this week: its chat has no past yet.
+        const double historyEnds = dayStart - 1800;
+        seedRoomHistory(service, "w1", studio, tasks, historyEnds - 21 * 86400, historyEnds);
+        seedDirectChats(service, "w1", "u1", {"nova", "quill", "atlas", "pixel", "ledger"},
+                        historyEnds - 21 * 86400, historyEnds);
 
         // The room's first messages.
         const std::string m1 = newId("m");

@@ -136,6 +136,35 @@ template <typename Predicate> bool eventually(Predicate&& done, int timeoutMs = 
     return done();
 }
 
+Calls::app::PostKestMessageActionResult post(const QString& text, const std::optional<QString>& thread = {})
+{
+    JSONValue::Object input{{"text", text}};
+    if (thread)
+        input["threadId"] = *thread;
+    return blockingWait(Calls::app::postKestMessageAction(input));
+}
+
+// The thread once no teammate answers in it any more.
+Model::KestThread settledThread(const QString& threadId)
+{
+    std::optional<Model::KestThread> thread;
+    const bool settled = eventually([&] {
+        thread = blockingWait(Calls::kest::kestChat(threadId)).thread;
+        return thread && thread->answering.isEmpty();
+    });
+    if (!settled)
+        qFatal("The answers in %s never finished.", qPrintable(threadId));
+    return *thread;
+}
+
+const Model::KestMessageView* replyBy(const Model::KestThread& thread, const QString& agent)
+{
+    for (const auto& reply : thread.replies)
+        if (reply.agent == agent)
+            return &reply;
+    return nullptr;
+}
+
 } // namespace
 
 class DevServiceTest : public QObject {
@@ -564,6 +593,282 @@ private slots:
         const Reply feed = service.get(u"/appcast.xml"_s);
         QCOMPARE(feed.status, 200);
         QVERIFY(feed.body.contains("<enclosure") && feed.body.contains("sparkle:version=\"0.1.0\""));
+    }
+
+    // The demo room has weeks behind it: hundreds of messages, oldest first,
+    // threads with the runs that wrote their answers, reactions by several
+    // people, task chips, and one thread too long to show whole.
+    void roomHasItsHistory()
+    {
+        DevService service({u"--auto-approve"_s});
+        Session session(service);
+        const auto room = blockingWait(Calls::kest::kestChat());
+        QVERIFY2(room.messages.size() >= 400 && room.messages.size() <= 500,
+                 qPrintable(QString::number(room.messages.size())));
+        for (qsizetype i = 1; i < room.messages.size(); ++i)
+            QVERIFY2(room.messages[i - 1].at <= room.messages[i].at, qPrintable(room.messages[i].id));
+        const QDateTime first = QDateTime::fromString(room.messages.first().at, Qt::ISODateWithMs);
+        QVERIFY(first.daysTo(QDateTime::currentDateTimeUtc()) >= 14);
+        const auto count = [&](auto&& predicate) {
+            return std::count_if(room.messages.begin(), room.messages.end(), predicate);
+        };
+        QVERIFY(count([](const auto& m) { return m.replies > 0; }) >= 150);
+        QVERIFY(count([](const auto& m) { return m.from == u"agent"_s; }) >= 20);
+        QVERIFY(count([](const auto& m) { return m.task && m.task->key.startsWith(u"NOR-"_s); }) >= 1);
+        QVERIFY(count([](const auto& m) {
+                    return std::any_of(m.reactions.begin(), m.reactions.end(),
+                                       [](const auto& r) { return r.by.size() >= 2; });
+                }) >= 5);
+
+        // A thread shows its latest 50 replies and counts them all.
+        const auto longest =
+            std::max_element(room.messages.begin(), room.messages.end(),
+                             [](const auto& a, const auto& b) { return a.replies < b.replies; });
+        QVERIFY(longest->replies > 50);
+        const auto thread = *blockingWait(Calls::kest::kestChat(longest->id)).thread;
+        QCOMPARE(thread.total, longest->replies);
+        QCOMPARE(thread.replies.size(), 50);
+        QCOMPARE(thread.replies.last().at, *longest->lastReplyAt);
+
+        // An answer from the past has the run that wrote it.
+        const auto asked = std::find_if(room.messages.begin(), room.messages.end(), [](const auto& m) {
+            return !m.to.isEmpty() && m.replies > 0 && m.replies <= 6;
+        });
+        QVERIFY(asked != room.messages.end());
+        const auto opened = blockingWait(Calls::kest::kestChat(asked->id));
+        const auto& answer = opened.thread->replies.first();
+        QCOMPARE(answer.agent, std::optional<QString>(asked->to.first()));
+        QVERIFY(answer.runId && opened.traces.contains(*answer.runId));
+        const auto run = blockingWait(Calls::kest::run(*answer.agent, *answer.runId));
+        QCOMPARE(run.run.status, answer.failed ? u"failed"_s : u"done"_s);
+    }
+
+    // Each teammate answers in its own voice; a message posted in the thread
+    // while they work goes into their answers instead of starting new ones.
+    void teammatesAnswerInTheirOwnVoices()
+    {
+        DevService service({u"--auto-approve"_s, u"--time-scale"_s, u"8"_s});
+        Session session(service);
+        const auto posted = post(u"@atlas @forge how do we speed up the pricing page?"_s);
+        QCOMPARE(*posted.started, (QList<QString>{u"atlas"_s, u"forge"_s}));
+        const auto more = post(u"Check it on mobile too"_s, posted.threadId);
+        QCOMPARE(more.handed.value_or(QList<QString>()), (QList<QString>{u"atlas"_s, u"forge"_s}));
+        QVERIFY(more.started->isEmpty() && !*more.triaging);
+
+        const auto thread = settledThread(*posted.threadId);
+        QCOMPARE(thread.replies.size(), 3); // the follow-up and one answer each
+        const auto* atlas = replyBy(thread, u"atlas"_s);
+        const auto* forge = replyBy(thread, u"forge"_s);
+        QVERIFY(atlas && forge);
+        QVERIFY(atlas->text != forge->text);
+        for (const auto* answer : {atlas, forge}) {
+            QVERIFY2(!answer->failed && answer->text.contains(u"pricing page"_s), qPrintable(answer->text));
+            QVERIFY2(answer->text.contains(u"You also asked"_s) && answer->text.contains(u"mobile"_s),
+                     qPrintable(answer->text));
+            QVERIFY(answer->text.count(u'\n') >= 5);
+        }
+        // The researcher: a table and the sources it cites.
+        QVERIFY2(atlas->text.contains(u"|---"_s) && atlas->text.contains(u"[2]"_s), qPrintable(atlas->text));
+        QVERIFY(atlas->cites.size() >= 2 && atlas->cites.size() <= 3);
+        for (const auto& cite : atlas->cites)
+            QVERIFY2(cite.type == u"web"_s && cite.kind == u"page"_s && cite.id.startsWith(u"https://"_s),
+                     qPrintable(cite.id));
+        // The engineer: the change and how to check it.
+        QVERIFY2(forge->text.contains(u"```diff"_s) &&
+                     (forge->text.contains(u"```ts"_s) || forge->text.contains(u"```bash"_s)),
+                 qPrintable(forge->text));
+
+        const auto run = blockingWait(Calls::kest::run(u"atlas"_s, *atlas->runId));
+        QCOMPARE(run.run.status, u"done"_s);
+        QCOMPARE(run.run.cites, atlas->cites);
+        QVERIFY(run.run.rounds.size() >= 3);
+        for (const auto& round : run.run.rounds)
+            QVERIFY(!round.startedAt.isEmpty() && round.endedAt && *round.endedAt >= round.startedAt);
+        QVERIFY(run.run.rounds.last().doing.value_or(QString()).startsWith(u"Taking in the new request"_s));
+        const auto calls = [&](auto&& predicate) {
+            return std::any_of(run.run.rounds.begin(), run.run.rounds.end(), [&](const auto& round) {
+                return std::any_of(round.calls.begin(), round.calls.end(), predicate);
+            });
+        };
+        QVERIFY(calls([](const auto& call) { return call.input.toQJsonValue().isObject(); }));
+        QVERIFY(calls([](const auto& call) { return call.tool == u"search_web"_s; }));
+        QVERIFY(std::any_of(run.trace.rounds.begin(), run.trace.rounds.end(), [](const auto& round) {
+            return std::any_of(round.steps.begin(), round.steps.end(),
+                               [](const auto& step) { return step.chip && step.chip->host; });
+        }));
+    }
+
+    // @all starts everyone; "stop" in the thread stops the teammate it names,
+    // or everyone still at work there. A message that names nobody goes
+    // through the lead, who says whom it went to when more than one fits.
+    void everyoneStartsAndStopStops()
+    {
+        DevService service({u"--auto-approve"_s}); // real time: the runs outlast the posts here
+        Session session(service);
+        QList<QString> kest;
+        for (const auto& mate : blockingWait(Calls::kest::kestChat()).kest)
+            kest.append(mate.handle);
+        const auto all = post(u"@all what should we cut to ship on time?"_s);
+        QCOMPARE(*all.started, kest);
+        QCOMPARE(blockingWait(Calls::kest::kestChat(*all.threadId)).thread->answering.size(), kest.size());
+
+        const auto one = post(u"@forge stop"_s, all.threadId);
+        QCOMPARE(one.stopped.value_or(QList<QString>()), QList<QString>{u"forge"_s});
+        QVERIFY(one.started->isEmpty());
+        const auto after = *blockingWait(Calls::kest::kestChat(*all.threadId)).thread;
+        QCOMPARE(after.answering.size(), kest.size() - 1);
+        QVERIFY(std::none_of(after.answering.begin(), after.answering.end(),
+                             [](const auto& a) { return a.agent == u"forge"_s; }));
+        const auto* stopped = replyBy(after, u"forge"_s);
+        QVERIFY(stopped && !stopped->failed);
+        QVERIFY2(stopped->text.startsWith(u"Stopped before finishing"_s), qPrintable(stopped->text));
+        const auto run = blockingWait(Calls::kest::run(u"forge"_s, *stopped->runId));
+        QCOMPARE(run.run.status, u"failed"_s);
+        QVERIFY(run.run.endedAt && !run.run.reply);
+
+        const auto rest = post(u"stop please"_s, all.threadId);
+        QCOMPARE(rest.stopped.value_or(QList<QString>()).size(), kest.size() - 1);
+        QVERIFY(blockingWait(Calls::kest::kestChat(*all.threadId)).thread->answering.isEmpty());
+        const auto nothing = post(u"stop"_s, all.threadId);
+        QVERIFY(nothing.stopped && nothing.stopped->isEmpty() && nothing.started->isEmpty());
+
+        const auto triaged = post(u"Can you compare what our invoices cost against the budget?"_s);
+        QVERIFY(*triaged.triaging);
+        QCOMPARE(*triaged.started, QList<QString>{u"atlas"_s});
+        const auto note = blockingWait(Calls::kest::kestChat(*triaged.threadId)).thread->replies;
+        QCOMPARE(note.size(), 1);
+        QCOMPARE(note[0].agent, std::optional<QString>(u"nova"_s));
+        QVERIFY2(note[0].text.startsWith(u"Passing this to Atlas"_s) && note[0].text.contains(u"Ledger"_s),
+                 qPrintable(note[0].text));
+    }
+
+    // Some answers fail: the message says why in one plain sentence and the
+    // run ends failed there. A step that waits for approval shows in the
+    // room: the answer's message carries the approval, its teammate needs
+    // you, and the run page's call and Needs you name the same approval.
+    void failuresAndApprovalsShowInTheRoom()
+    {
+        DevService service({u"--auto-approve"_s, u"--time-scale"_s, u"3"_s});
+        Session session(service);
+        const double failedBefore = blockingWait(Calls::shell::activity()).failed;
+        QStringList threads;
+        for (int i = 0; i < 5; ++i)
+            threads.append(*post(u"@all round %1: what should we do about pricing?"_s.arg(i)).threadId);
+        bool sawApproval = false;
+        QDeadlineTimer deadline(90'000);
+        for (;;) {
+            const auto room = blockingWait(Calls::kest::kestChat());
+            if (room.answering.isEmpty())
+                break;
+            QVERIFY2(!deadline.hasExpired(), "The answers never finished.");
+            const bool waiting =
+                std::any_of(room.kest.begin(), room.kest.end(), [](const auto& t) { return t.needsYou; });
+            for (const QString& id : threads) {
+                if (!waiting || sawApproval)
+                    break;
+                const auto thread = *blockingWait(Calls::kest::kestChat(id)).thread;
+                for (const auto& reply : thread.replies) {
+                    if (reply.approvalIds.isEmpty())
+                        continue;
+                    const auto run = blockingWait(Calls::kest::run(*reply.agent, *reply.runId)).run;
+                    const auto needs = blockingWait(Calls::shell::waiting()).items;
+                    std::optional<QString> asked;
+                    for (const auto& round : run.rounds)
+                        for (const auto& call : round.calls)
+                            if (call.status == u"waiting"_s)
+                                asked = call.approvalId;
+                    if (!asked)
+                        continue; // it went on in the meantime
+                    QCOMPARE(*asked, reply.approvalIds.first());
+                    QVERIFY(std::any_of(needs.begin(), needs.end(),
+                                        [&](const auto& item) { return item.id == *asked; }));
+                    sawApproval = true;
+                }
+            }
+            QTest::qWait(100);
+        }
+        QVERIFY(sawApproval);
+
+        int answers = 0, failed = 0;
+        for (const QString& id : threads) {
+            const auto thread = *blockingWait(Calls::kest::kestChat(id)).thread;
+            for (const auto& reply : thread.replies) {
+                ++answers;
+                QVERIFY(reply.approvalIds.isEmpty());
+                if (!reply.failed)
+                    continue;
+                ++failed;
+                static const QRegularExpression sentence(u"^[A-Z][^\\n#|`*\\[]+\\.$"_s);
+                QVERIFY2(sentence.match(reply.text).hasMatch(), qPrintable(reply.text));
+                const auto run = blockingWait(Calls::kest::run(*reply.agent, *reply.runId));
+                QCOMPARE(run.run.status, u"failed"_s);
+                QVERIFY(!run.run.reply);
+                QCOMPARE(run.trace.rounds.last().steps.last().status, u"failed"_s);
+                QCOMPARE(run.trace.rounds.last().steps.last().result, std::optional<QString>(reply.text));
+            }
+        }
+        QCOMPARE(answers, 30);
+        QVERIFY(failed >= 1 && failed <= 6);
+        QCOMPARE(blockingWait(Calls::shell::activity()).failed, failedBefore + failed); // Home counts them
+    }
+
+    // A fresh demo plays the same way twice: the same plans, the same answers.
+    void aFreshDemoRepeatsItself()
+    {
+        QStringList first;
+        for (int run = 0; run < 2; ++run) {
+            DevService service({u"--auto-approve"_s, u"--time-scale"_s, u"40"_s});
+            Session session(service);
+            const auto posted = post(u"@all how should we announce the beta?"_s);
+            QStringList answers;
+            for (const auto& reply : settledThread(*posted.threadId).replies)
+                answers.append(*reply.agent + u": "_s + reply.text);
+            answers.sort();
+            QCOMPARE(answers.size(), 6);
+            if (run == 0)
+                first = answers;
+            else
+                QCOMPARE(answers, first);
+        }
+    }
+
+    // Each teammate's chat has a past (Forge's is new); a message sent while
+    // the teammate answers goes into that answer.
+    void oneToOneChatsTakeFollowUps()
+    {
+        DevService service({u"--auto-approve"_s, u"--time-scale"_s, u"8"_s});
+        Session session(service);
+        const auto nova = blockingWait(Calls::kest::chat(u"nova"_s));
+        QVERIFY(nova.threads.size() >= 3);
+        const auto has = [&](auto&& predicate) {
+            return std::any_of(nova.threads.begin(), nova.threads.end(), predicate);
+        };
+        QVERIFY(has([](const auto& t) { return t.telegram; }));
+        QVERIFY(has([](const auto& t) { return t.call; }));
+        QVERIFY(has([](const auto& t) {
+            return t.status == u"failed"_s && t.error && t.lastMessage &&
+                   t.lastMessage->failed.value_or(false) && t.lastMessage->text == *t.error;
+        }));
+
+        const auto started = blockingWait(Calls::app::startThreadAction(
+            JSONValue::Object{{"handle", "quill"}, {"text", "Write a short note about the spring sale"}}));
+        const auto working = blockingWait(Calls::kest::thread(u"quill"_s, *started.id)).thread;
+        QCOMPARE(working->status, u"replying"_s);
+        QVERIFY(working->doing);
+        const auto more = blockingWait(Calls::app::sendMessageAction(
+            JSONValue::Object{{"threadId", *started.id}, {"text", "Keep it under 80 words"}}));
+        QVERIFY2(more.done.value_or(false) && !more.error, qPrintable(more.error.value_or(QString())));
+        QVERIFY(eventually([&] {
+            return blockingWait(Calls::kest::thread(u"quill"_s, *started.id)).thread->status == u"idle"_s;
+        }));
+        const auto done = *blockingWait(Calls::kest::thread(u"quill"_s, *started.id)).thread;
+        QCOMPARE(done.messages.size(), 3);
+        QCOMPARE(done.messages[1].role, u"user"_s);
+        const auto& answer = done.messages[2];
+        QCOMPARE(answer.role, u"agent"_s);
+        QVERIFY2(answer.text.contains(u"80 words"_s) && answer.text.contains(u"spring sale"_s),
+                 qPrintable(answer.text));
+        QVERIFY(!done.doing);
     }
 
     void concurrentPostsLoseNothing()
