@@ -139,7 +139,8 @@ private slots:
     {
         QCOMPARE(PageCatalog::kindOf(Route::parse(u"/analytics/settings?tab=crawlers"_s)),
                  PageCatalog::Kind::Web);
-        QCOMPARE(PageCatalog::kindOf(Route::parse(u"/kest/nova/chat"_s)), PageCatalog::Kind::Web);
+        QCOMPARE(PageCatalog::kindOf(Route::parse(u"/kest/nova/chat"_s)), PageCatalog::Kind::Native);
+        QCOMPARE(PageCatalog::kindOf(Route::parse(u"/kest/nova/settings"_s)), PageCatalog::Kind::Web);
         QCOMPARE(PageCatalog::kindOf(Route::parse(u"/nowhere"_s)), PageCatalog::Kind::Missing);
         QCOMPARE(PageCatalog::kindOf(Route::parse(u"/docsearch"_s)), PageCatalog::Kind::Missing);
         QCOMPARE(PageCatalog::titleOf(Route::parse(u"/activity?view=you"_s)), u"Needs you"_s);

@@ -134,8 +134,12 @@ Item {
                         border.width: row.visualFocus ? 2 : 0
                         border.color: Theme.accent
                     }
-                    contentItem: ColumnLayout {
-                        spacing: 3
+                    contentItem: Item {
+                    ColumnLayout {
+                        anchors.left: parent.left
+                        anchors.right: parent.right
+                        anchors.verticalCenter: parent.verticalCenter
+                        spacing: 4
                         Text {
                             Layout.fillWidth: true
                             Layout.leftMargin: 16
@@ -168,6 +172,7 @@ Item {
                                 font.pixelSize: 12
                             }
                         }
+                    }
                     }
                 }
             }

@@ -45,37 +45,20 @@ Rectangle {
                 font.family: Theme.mono
                 font.pixelSize: 12
             }
-            Rectangle {
+            IconButton {
                 id: copyButton
                 anchors.right: parent.right
-                anchors.rightMargin: 6
+                anchors.rightMargin: 4
                 anchors.verticalCenter: parent.verticalCenter
-                width: 24
-                height: 24
-                radius: 6
-                color: copyArea.containsMouse ? Theme.line : "transparent"
-                Accessible.role: Accessible.Button
-                Accessible.name: block.copied ? "Copied" : "Copy the code"
-                Accessible.onPressAction: copyArea.clicked(null)
-                Image {
-                    anchors.centerIn: parent
-                    width: 14
-                    height: 14
-                    sourceSize.width: 28
-                    sourceSize.height: 28
-                    source: "image://icon/" + (block.copied ? "check" : "copy") + "?color="
-                            + encodeURIComponent(Theme.muted)
-                }
-                MouseArea {
-                    id: copyArea
-                    anchors.fill: parent
-                    hoverEnabled: true
-                    cursorShape: Qt.PointingHandCursor
-                    onClicked: {
-                        CodeView.copy(block.code)
-                        block.copied = true
-                        copiedTimer.restart()
-                    }
+                implicitWidth: 26
+                implicitHeight: 26
+                iconSize: 14
+                glyph: block.copied ? "check" : "copy"
+                tip: block.copied ? "Copied" : "Copy the code"
+                onClicked: {
+                    CodeView.copy(block.code)
+                    block.copied = true
+                    copiedTimer.restart()
                 }
                 Timer {
                     id: copiedTimer
@@ -113,6 +96,9 @@ Rectangle {
                         }
                         TextEdit {
                             id: codeLine
+                            // Long lines wrap rather than run past the well.
+                            width: line.width - (block.numbers ? 60 : 24)
+                            wrapMode: TextEdit.WrapAtWordBoundaryOrAnywhere
                             readOnly: true
                             selectByMouse: true
                             textFormat: TextEdit.RichText
