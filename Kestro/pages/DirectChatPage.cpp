@@ -123,7 +123,7 @@ QCoro::Task<QVariant> DirectChatPage::fetch(Route route)
 
 std::optional<double> DirectChatPage::cadence(const ChatData& data)
 {
-    if (data.thread && writing(data.thread->status))
+    if (data.thread && data.thread->status == QLatin1String("replying"))
         return 2.0;
     if (!data.thread || data.thread->status != QLatin1String("replying"))
         for (const ThreadSummary& thread : data.threads)
@@ -137,10 +137,10 @@ std::optional<double> DirectChatPage::every(const QVariant& value) const
     return cadence(value.value<ChatData>());
 }
 
-bool DirectChatPage::loadsFor(const Route&, const Route&) const
+bool DirectChatPage::loadsFor(const Route& from, const Route& to) const
 {
-    // Each thread is a page of its own (its path differs).
-    return false;
+    // Another thread of the same chat: the page stays, its answer changes.
+    return from.segments != to.segments;
 }
 
 void DirectChatPage::apply(const QVariant& value)

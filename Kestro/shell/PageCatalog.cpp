@@ -15,14 +15,17 @@ struct Row {
     const char* component; // native pages: the file under qrc:/Kestro/Pages
     const char* title;
     const char* youTitle = nullptr; // the title under "?view=you"
+    // How many leading segments make the page one object (0: the whole
+    // path): a teammate's chat stays one page from thread to thread.
+    int kept = 0;
 };
 
 const Row table[] = {
     {"activity", Kind::Native, "ActivityPage.qml", "Home", "Needs you"},
     {"kest", Kind::Native, "KestRoomPage.qml", "Kest chat"},
     {"kest/*/runs/*", Kind::Native, "RunPage.qml", "Run"},
-    {"kest/*/chat", Kind::Native, "DirectChatPage.qml", "Chat"},
-    {"kest/*/chat/*", Kind::Native, "DirectChatPage.qml", "Chat"},
+    {"kest/*/chat", Kind::Native, "DirectChatPage.qml", "Chat", nullptr, 3},
+    {"kest/*/chat/*", Kind::Native, "DirectChatPage.qml", "Chat", nullptr, 3},
     // The product's other families are the service's own pages for now.
     {"analytics/**", Kind::Web, nullptr, "Analytics"},
     {"brain/**", Kind::Web, nullptr, "Brain"},
@@ -83,7 +86,8 @@ PageCatalog::Page PageCatalog::pageOf(const Route& route)
                                                                                               : row.title);
         if (row.kind == Kind::Native) {
             page.component = QStringLiteral("qrc:/Kestro/Pages/") + QLatin1String(row.component);
-            page.identity = page.component + QLatin1Char(' ') + route.canonicalPath();
+            const QStringList kept = row.kept > 0 ? route.segments.mid(0, row.kept) : route.segments;
+            page.identity = page.component + QStringLiteral(" /") + kept.join(QLatin1Char('/'));
         } else {
             // The service's pages share one web view that follows the path.
             page.identity = QStringLiteral("web");

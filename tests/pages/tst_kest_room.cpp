@@ -182,6 +182,9 @@ private slots:
         QCOMPARE(DirectChatPage::cadence(data), std::nullopt);
         data.thread->status = u"replying"_s;
         QCOMPARE(DirectChatPage::cadence(data), 2.0);
+        // Working on something else than a reply is no reason to reload.
+        data.thread->status = u"working"_s;
+        QCOMPARE(DirectChatPage::cadence(data), std::nullopt);
     }
 
     void aMessageStartsAThreadWithTheTeammate()
@@ -216,8 +219,11 @@ private slots:
                  u"qrc:/Kestro/Pages/RunPage.qml"_s);
         QCOMPARE(PageCatalog::pageOf(Route::parse(u"/kest/atlas/chat"_s)).component,
                  u"qrc:/Kestro/Pages/DirectChatPage.qml"_s);
-        QCOMPARE(PageCatalog::pageOf(Route::parse(u"/kest/atlas/chat/th_1"_s)).component,
-                 u"qrc:/Kestro/Pages/DirectChatPage.qml"_s);
+        // Threads of one chat are one page; another teammate's chat is not.
+        QCOMPARE(PageCatalog::pageOf(Route::parse(u"/kest/atlas/chat/th_1"_s)).identity,
+                 PageCatalog::pageOf(Route::parse(u"/kest/atlas/chat"_s)).identity);
+        QVERIFY(PageCatalog::pageOf(Route::parse(u"/kest/quill/chat"_s)).identity !=
+                PageCatalog::pageOf(Route::parse(u"/kest/atlas/chat"_s)).identity);
     }
 
     void aReloadWithNothingNewMovesNoRow()

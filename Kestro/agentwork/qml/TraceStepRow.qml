@@ -113,7 +113,7 @@ ColumnLayout {
             implicitWidth: 200
             implicitHeight: 26
             hoverEnabled: row.opens
-            enabled: row.opens
+            // Never disabled: the page's chip inside stays a link.
             focusPolicy: row.opens ? Qt.StrongFocus : Qt.NoFocus
             Accessible.role: Accessible.Button
             Accessible.name: row.label
@@ -121,7 +121,7 @@ ColumnLayout {
             Accessible.onPressAction: opener.clicked()
             Keys.onReturnPressed: opener.clicked()
             Keys.onEnterPressed: opener.clicked()
-            onClicked: row.opened = !row.opened
+            onClicked: if (row.opens) row.opened = !row.opened
             background: Rectangle {
                 radius: 6
                 color: opener.hovered ? Theme.hover : "transparent"

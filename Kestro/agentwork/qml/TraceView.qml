@@ -40,15 +40,16 @@ ColumnLayout {
             objectName: "traceToggle"
             implicitWidth: toggle.contentItem.implicitWidth
             implicitHeight: 26
-            hoverEnabled: true
-            focusPolicy: Qt.StrongFocus
+            hoverEnabled: view.open === undefined
+            // A forced choice leaves nothing to toggle.
+            focusPolicy: view.open === undefined ? Qt.StrongFocus : Qt.NoFocus
             Accessible.role: Accessible.Button
             Accessible.name: trace.headline
             Accessible.description: view.expanded ? "expanded" : "collapsed"
             Accessible.onPressAction: toggle.clicked()
             Keys.onReturnPressed: toggle.clicked()
             Keys.onEnterPressed: toggle.clicked()
-            onClicked: view.chosenOpen = !view.expanded
+            onClicked: if (view.open === undefined) view.chosenOpen = !view.expanded
             background: Rectangle {
                 radius: 6
                 color: toggle.hovered ? Theme.hover : "transparent"

@@ -198,19 +198,20 @@ Item {
                     Layout.fillWidth: true
                     spacing: 0
                     Text {
-                        Layout.fillWidth: true
-                        text: chat.threadTitle.length > 0 ? chat.threadTitle : "Thread"
-                        textFormat: Text.PlainText
-                        elide: Text.ElideRight
+                        text: "Thread"
                         color: Theme.text
                         font.family: Theme.display
                         font.pixelSize: 16
                         font.weight: Font.Bold
                         Accessible.role: Accessible.Heading
-                        Accessible.name: "Thread: " + text
+                        Accessible.name: text
                     }
                     Text {
+                        Layout.fillWidth: true
                         text: "with " + chat.name + (chat.threadFrom.length > 0 ? " · " + chat.threadFrom : "")
+                              + (chat.threadTitle.length > 0 ? " · " + chat.threadTitle : "")
+                        textFormat: Text.PlainText
+                        elide: Text.ElideRight
                         color: Theme.muted
                         font.family: Theme.sans
                         font.pixelSize: 12

@@ -20,24 +20,29 @@ Popup {
     focus: true
     closePolicy: Popup.CloseOnEscape | Popup.CloseOnPressOutside
 
+    // Each: the emoji, its name (what a screen reader says), more words to find it by.
     readonly property var all: [
-        ["👍", "thumbs up yes"], ["👎", "thumbs down no"], ["❤️", "heart love"], ["🎉", "party tada celebrate"],
-        ["😄", "smile happy"], ["😂", "joy laugh tears"], ["🙏", "thanks please pray"], ["👀", "eyes looking"],
-        ["🚀", "rocket launch ship"], ["✅", "check done"], ["❌", "cross no wrong"], ["🔥", "fire hot"],
-        ["💯", "hundred perfect"], ["👏", "clap applause"], ["🙌", "raised hands hooray"], ["💪", "strong muscle"],
-        ["🤔", "thinking hmm"], ["😮", "wow surprised"], ["😢", "sad cry"], ["😅", "sweat relief"],
-        ["🤝", "handshake deal"], ["👌", "ok perfect"], ["✨", "sparkles new"], ["⭐", "star"],
-        ["💡", "idea bulb"], ["📌", "pin"], ["📈", "chart up growth"], ["📉", "chart down"],
-        ["⚠️", "warning careful"], ["🐛", "bug"], ["🛠️", "tools fix"], ["🔍", "search look"],
-        ["📝", "memo note write"], ["📣", "announce megaphone"], ["⏰", "alarm time"], ["⏳", "waiting hourglass"],
-        ["☕", "coffee"], ["🍕", "pizza"], ["🎯", "target goal"], ["🏆", "trophy win"],
-        ["💰", "money"], ["🤖", "robot teammate"], ["🧠", "brain smart"], ["👋", "wave hello"],
-        ["😍", "love eyes"], ["😎", "cool"], ["🙈", "oops see no"], ["🤯", "mind blown"]
+        ["👍", "thumbs up", "yes"], ["👎", "thumbs down", "no"], ["❤️", "red heart", "love"],
+        ["🎉", "party popper", "tada celebrate"], ["😄", "grinning face", "smile happy"], ["😂", "tears of joy", "laugh"],
+        ["🙏", "folded hands", "thanks please"], ["👀", "eyes", "looking"], ["🚀", "rocket", "launch ship"],
+        ["✅", "check mark", "done"], ["❌", "cross mark", "no wrong"], ["🔥", "fire", "hot"],
+        ["💯", "hundred points", "perfect"], ["👏", "clapping hands", "applause"], ["🙌", "raised hands", "hooray"],
+        ["💪", "flexed biceps", "strong"], ["🤔", "thinking face", "hmm"], ["😮", "surprised face", "wow"],
+        ["😢", "crying face", "sad"], ["😅", "sweat smile", "relief"], ["🤝", "handshake", "deal"],
+        ["👌", "OK hand", "perfect"], ["✨", "sparkles", "new"], ["⭐", "star", ""],
+        ["💡", "light bulb", "idea"], ["📌", "pushpin", "pin"], ["📈", "chart increasing", "up growth"],
+        ["📉", "chart decreasing", "down"], ["⚠️", "warning", "careful"], ["🐛", "bug", ""],
+        ["🛠️", "hammer and wrench", "tools fix"], ["🔍", "magnifying glass", "search look"], ["📝", "memo", "note write"],
+        ["📣", "megaphone", "announce"], ["⏰", "alarm clock", "time"], ["⏳", "hourglass", "waiting"],
+        ["☕", "hot beverage", "coffee"], ["🍕", "pizza", ""], ["🎯", "direct hit", "target goal"],
+        ["🏆", "trophy", "win"], ["💰", "money bag", "money"], ["🤖", "robot", "teammate"],
+        ["🧠", "brain", "smart"], ["👋", "waving hand", "hello"], ["😍", "heart eyes", "love"],
+        ["😎", "sunglasses", "cool"], ["🙈", "see-no-evil monkey", "oops"], ["🤯", "exploding head", "mind blown"]
     ]
     property string query
     readonly property var shown: {
         const q = picker.query.trim().toLowerCase()
-        return q.length === 0 ? picker.all : picker.all.filter(e => e[1].indexOf(q) >= 0)
+        return q.length === 0 ? picker.all : picker.all.filter(e => (e[1] + " " + e[2]).toLowerCase().indexOf(q) >= 0)
     }
 
     function openFor(id, from) {
@@ -104,7 +109,7 @@ Popup {
                 hoverEnabled: true
                 focusPolicy: Qt.NoFocus
                 Accessible.role: Accessible.Button
-                Accessible.name: modelData[1].split(" ")[0]
+                Accessible.name: cell.modelData[1]
                 Accessible.onPressAction: picker.choose(cell.modelData[0])
                 onClicked: picker.choose(cell.modelData[0])
                 background: Rectangle {

@@ -24,15 +24,13 @@ ColumnLayout {
             size: 20
         }
         Orb { state: "working" }
-        Text {
+        LinkText {
             text: row.name + " is answering"
-            textFormat: Text.PlainText
+            size: 13
+            strong: true
             color: Theme.text
-            font.family: Theme.sans
-            font.pixelSize: 13
-            font.weight: Font.DemiBold
-            Accessible.role: Accessible.StaticText
             Accessible.name: text + (row.doing.length > 0 ? ": " + row.doing : "")
+            onClicked: row.linkOpened(row.href)
         }
         Text {
             Layout.fillWidth: true

@@ -15,7 +15,9 @@ Item {
     property alias route: room.route
     // The user's role in the workspace (the host keeps it current).
     property string access
-    readonly property bool canWrite: page.access === "owner" || page.access === "admin" || page.access === "member"
+    // Viewers, approvers and guests read but do not write.
+    readonly property bool canWrite: page.access.length > 0 && page.access !== "viewer"
+                                     && page.access !== "approver" && page.access !== "guest"
     readonly property string title: "Kest chat"
     readonly property bool loading: room.loader.loading
     objectName: "kestRoomPage"

@@ -19,7 +19,9 @@ ListView {
     // Follows new messages while the newest one shows.
     property bool stuck: true
     property Item hoveredItem: null
-    readonly property Item target: timeline.activeFocus || actions.activeFocus ? timeline.currentItem : timeline.hoveredItem
+    // The pointer's message first; the keyboard's when the pointer is on none.
+    readonly property Item target: timeline.hoveredItem ? timeline.hoveredItem
+                                 : timeline.activeFocus || actions.activeFocus ? timeline.currentItem : null
     signal linkOpened(string path)
     signal reacted(string messageId, string emoji)
     signal addingReaction(string messageId, Item from)
@@ -38,10 +40,14 @@ ListView {
     cacheBuffer: 800
     activeFocusOnTab: true
     Accessible.role: Accessible.List
-    ScrollBar.vertical: ScrollBar {}
+    ScrollBar.vertical: ScrollBar { id: scrollBar }
 
     onCountChanged: if (timeline.stuck) stick.restart()
     onMovementEnded: timeline.stuck = timeline.atYEnd
+    // Only the user's own scrolling lets go of the newest message or takes
+    // it back: a drag, a flick, the wheel, the scroll bar or the keys.
+    onContentYChanged: if (timeline.moving || scrollBar.pressed) timeline.stuck = timeline.atYEnd
+    onCurrentIndexChanged: if (timeline.activeFocus) timeline.stuck = timeline.currentIndex <= 0
     onContentHeightChanged: if (timeline.stuck && !timeline.moving) stick.restart()
 
     // A message that arrives while the user reads older ones is laid out
@@ -61,8 +67,15 @@ ListView {
                 timeline.anchorOffset = item.y - timeline.contentY
         }
         function onRowsInserted() {
-            if (timeline.anchorKey.length === 0 || timeline.stuck)
-                return
+            if (timeline.anchorKey.length > 0 && !timeline.stuck)
+                keep.restart()
+        }
+    }
+    // Once the view has placed the new rows.
+    Timer {
+        id: keep
+        interval: 0
+        onTriggered: {
             timeline.forceLayout()
             const item = timeline.itemAtIndex(timeline.model.indexOf(timeline.anchorKey))
             if (item)

@@ -24,14 +24,14 @@ Flow {
             implicitWidth: chip.contentItem.implicitWidth + 16
             implicitHeight: 24
             hoverEnabled: true
-            enabled: chips.canReact
             focusPolicy: Qt.StrongFocus
             Accessible.role: Accessible.Button
             Accessible.name: chip.modelData.emoji + " " + chip.modelData.count + ", " + chip.modelData.who
             Accessible.onPressAction: chip.clicked()
             Keys.onReturnPressed: chip.clicked()
             Keys.onEnterPressed: chip.clicked()
-            onClicked: chips.toggled(chip.modelData.emoji)
+            // Those who read only still see who reacted.
+            onClicked: if (chips.canReact) chips.toggled(chip.modelData.emoji)
             ToolTip.visible: hovered
             ToolTip.delay: 300
             ToolTip.text: chip.modelData.who
