@@ -10,6 +10,7 @@
 #include <QClipboard>
 #include <QGuiApplication>
 #include <QPointer>
+#include <QSettings>
 
 namespace Kestro {
 
@@ -428,6 +429,24 @@ QCoro::Task<> KestRoomPage::sendReaction(QString messageId, QString emoji)
     if (it != m_overlay.end())
         it->settled = true;
     reloadAfterAction();
+}
+
+namespace {
+const QString threadWidthKey = QStringLiteral("kestro:thread-width");
+}
+
+int KestRoomPage::threadWidth() const
+{
+    return QSettings().value(threadWidthKey, 420).toInt();
+}
+
+void KestRoomPage::setThreadWidth(int width)
+{
+    width = std::clamp(width, 320, 900);
+    if (width == threadWidth())
+        return;
+    QSettings().setValue(threadWidthKey, width);
+    emit threadWidthChanged();
 }
 
 void KestRoomPage::dismissReactionError()

@@ -40,6 +40,8 @@ class KestRoomPage : public Kestro::PageModel {
     Q_PROPERTY(Kestro::KestComposer* composer READ composer CONSTANT)
     Q_PROPERTY(Kestro::KestComposer* threadComposer READ threadComposer CONSTANT)
     Q_PROPERTY(QString reactionError READ reactionError NOTIFY reactionErrorChanged)
+    // The thread panel's width as the user left it.
+    Q_PROPERTY(int threadWidth READ threadWidth WRITE setThreadWidth NOTIFY threadWidthChanged)
 
 public:
     explicit KestRoomPage(QObject* parent = nullptr, Timers& timers = Timers::system());
@@ -62,6 +64,8 @@ public:
     KestComposer* composer() const { return m_composer; }
     KestComposer* threadComposer() const { return m_threadComposer; }
     QString reactionError() const { return m_reactionError; }
+    int threadWidth() const;
+    void setThreadWidth(int width);
 
     // Adds the user's reaction, or takes it back: shown at once, sent, and
     // put right by the next load (or undone with a sentence if refused).
@@ -80,6 +84,7 @@ public:
 signals:
     void answered();
     void reactionErrorChanged();
+    void threadWidthChanged();
 
 protected:
     void apply(const QVariant& value) override;

@@ -115,10 +115,10 @@ KestroApp::KestroApp(QObject* parent) : QObject(parent)
     });
 
     // The first four places answer to Ctrl+Shift and their digit key.
-    auto* chords = new PlaceChords(this);
+    auto* chords = new PlaceChords([this] { return m_app->phase() == AppModel::Phase::SignedIn; }, this);
     qApp->installEventFilter(chords);
     connect(chords, &PlaceChords::pressed, this, [this](int place) {
-        if (m_app->phase() == AppModel::Phase::SignedIn && place < PageCatalog::placeList().size())
+        if (place < PageCatalog::placeList().size())
             m_router->open(PageCatalog::placeList()[place].path);
     });
 

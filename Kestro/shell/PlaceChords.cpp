@@ -28,7 +28,7 @@ bool PlaceChords::eventFilter(QObject* watched, QEvent* event)
         return false;
     auto* key = static_cast<QKeyEvent*>(event);
     const int place = placeOf(key->nativeScanCode(), key->key(), key->modifiers());
-    if (place < 0)
+    if (place < 0 || (m_active && !m_active()))
         return false;
     if (!key->isAutoRepeat())
         emit pressed(place);

@@ -2,6 +2,8 @@
 
 #include <QObject>
 
+#include <functional>
+
 namespace Kestro {
 
 // Ctrl+Shift+1 to 4 (Home, Needs you, Tasks, Kest chat) on the physical
@@ -16,7 +18,12 @@ class PlaceChords : public QObject {
     Q_OBJECT
 
 public:
-    using QObject::QObject;
+    // `active` tells whether the places can be opened now (signed in):
+    // otherwise the keys go on to whatever has the focus.
+    PlaceChords(std::function<bool()> active, QObject* parent = nullptr)
+        : QObject(parent), m_active(std::move(active))
+    {
+    }
 
     // The place (0 to 3) a key press asks for, or -1.
     static int placeOf(quint32 nativeScanCode, int key, Qt::KeyboardModifiers modifiers);
@@ -26,6 +33,9 @@ signals:
 
 protected:
     bool eventFilter(QObject* watched, QEvent* event) override;
+
+private:
+    std::function<bool()> m_active;
 };
 
 } // namespace Kestro

@@ -126,6 +126,36 @@ FocusScope {
                 objectName: "promptEditor"
                 focus: true
                 enabled: !bar.disabled
+                // The caret blinks for a while after the last key, then
+                // stays lit: a caret that blinks forever keeps the window
+                // drawing frames while the user reads.
+                cursorDelegate: Rectangle {
+                    id: caret
+                    // The editor (the delegate's parent) owns the caret.
+                    readonly property TextArea editor: parent as TextArea
+                    width: 2
+                    color: Theme.accent
+                    property bool lit: true
+                    property int blinks: 0
+                    visible: !!caret.editor && caret.editor.activeFocus && caret.editor.selectedText.length === 0
+                             && (caret.lit || Theme.reduceMotion)
+                    Timer {
+                        interval: 530
+                        repeat: true
+                        running: !!caret.editor && caret.editor.activeFocus && caret.blinks < 20 && !Theme.reduceMotion
+                        onTriggered: {
+                            caret.lit = !caret.lit
+                            caret.blinks += 1
+                            if (caret.blinks >= 20)
+                                caret.lit = true
+                        }
+                    }
+                    Connections {
+                        target: caret.editor
+                        function onCursorPositionChanged() { caret.blinks = 0; caret.lit = true }
+                        function onActiveFocusChanged() { caret.blinks = 0; caret.lit = true }
+                    }
+                }
                 text: bar.value
                 placeholderText: bar.placeholder
                 placeholderTextColor: Theme.muted

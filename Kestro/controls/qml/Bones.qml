@@ -12,9 +12,11 @@ ColumnLayout {
     Accessible.name: "Loading"
     opacity: 0.75
     // Started with the item rather than as a value source on opacity, so the
-    // starting 0.75 above stays a plain value the pulse takes over from.
+    // starting 0.75 above stays a plain value the pulse takes over from. It
+    // breathes only while it shows (and not under reduced motion): a hidden
+    // pulse would keep the window drawing frames, and the machine busy.
     SequentialAnimation {
-        running: true
+        running: bones.visible && !Theme.reduceMotion
         loops: Animation.Infinite
         NumberAnimation { target: bones; property: "opacity"; to: 1; duration: 700; easing.type: Easing.InOutQuad }
         NumberAnimation { target: bones; property: "opacity"; to: 0.55; duration: 700; easing.type: Easing.InOutQuad }

@@ -165,12 +165,30 @@ Item {
             id: thread
             objectName: "threadPanel"
             visible: room.threadId.length > 0 && room.threadShown
-            Layout.preferredWidth: Math.max(340, Math.min(460, page.width * 0.4))
+            Layout.preferredWidth: Math.min(room.threadWidth, page.width * 0.6)
             Layout.fillHeight: true
             room: room
             access: page.access
             canReact: page.canWrite
             onAddingReaction: (id, from) => picker.openFor(id, from)
+
+            // The panel's left edge: drag to make it wider or narrower.
+            MouseArea {
+                width: 6
+                height: parent.height
+                x: -3
+                cursorShape: Qt.SplitHCursor
+                property real pressedAt: 0
+                property int startWidth: 0
+                onPressed: mouse => {
+                    pressedAt = mapToItem(page, mouse.x, 0).x
+                    startWidth = thread.width
+                }
+                onPositionChanged: mouse => {
+                    if (pressed)
+                        room.threadWidth = startWidth + (pressedAt - mapToItem(page, mouse.x, 0).x)
+                }
+            }
         }
     }
 
