@@ -16,7 +16,8 @@ Item {
     property alias router: activity.router
     property alias route: activity.route
     readonly property string title: activity.needsYou ? "Needs you" : "Home"
-    readonly property bool loading: activity.loader.loading
+    // The header's spinner is for the first load: timed reloads stay quiet.
+    readonly property bool loading: activity.loader.loading && activity.loader.state !== Loaded.Content
     objectName: "activityPage"
 
     ActivityModel {

@@ -17,7 +17,8 @@ Item {
     property alias route: chat.route
     property string access
     readonly property string title: chat.name.length > 0 ? chat.name : "Chat"
-    readonly property bool loading: chat.loader.loading
+    // The header's spinner is for the first load: timed reloads stay quiet.
+    readonly property bool loading: chat.loader.loading && chat.loader.state !== Loaded.Content
     objectName: "directChatPage"
 
     DirectChatModel {

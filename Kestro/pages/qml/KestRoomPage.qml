@@ -19,7 +19,8 @@ Item {
     readonly property bool canWrite: page.access.length > 0 && page.access !== "viewer"
                                      && page.access !== "approver" && page.access !== "guest"
     readonly property string title: "Kest chat"
-    readonly property bool loading: room.loader.loading
+    // The header's spinner is for the first load: timed reloads stay quiet.
+    readonly property bool loading: room.loader.loading && room.loader.state !== Loaded.Content
     objectName: "kestRoomPage"
 
     KestRoomModel {

@@ -16,7 +16,8 @@ Item {
     property alias router: run.router
     property alias route: run.route
     readonly property string title: run.title
-    readonly property bool loading: run.loader.loading
+    // The header's spinner is for the first load: timed reloads stay quiet.
+    readonly property bool loading: run.loader.loading && run.loader.state !== Loaded.Content
     objectName: "runPage"
 
     RunModel {
