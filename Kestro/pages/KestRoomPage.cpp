@@ -337,14 +337,20 @@ QVariantList KestRoomPage::reactionChips(const QList<Model::ReactionView>& react
             continue;
         QStringList who;
         bool mine = false;
+        int unnamed = 0;
         for (const QString& id : reaction.by) {
             if (id == m_result.me) {
                 mine = true;
                 who.prepend(QStringLiteral("You"));
+            } else if (const QString name = m_names.value(id); !name.isEmpty()) {
+                who.append(name);
             } else {
-                who.append(nameOf(id));
+                // Someone the page knows no name for: counted, not shown as an id.
+                ++unnamed;
             }
         }
+        if (unnamed > 0)
+            who.append(unnamed == 1 ? QStringLiteral("1 other") : QStringLiteral("%1 others").arg(unnamed));
         chips.append(QVariantMap{{QStringLiteral("emoji"), reaction.emoji},
                                  {QStringLiteral("count"), int(reaction.by.size())},
                                  {QStringLiteral("mine"), mine},

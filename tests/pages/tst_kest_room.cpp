@@ -15,6 +15,7 @@
 #include "shell/PageCatalog.h"
 #include "shell/Router.h"
 
+#include <QRegularExpression>
 #include <QSignalSpy>
 #include <QTest>
 
@@ -262,8 +263,17 @@ private slots:
         QVERIFY(!mine());
         QSignalSpy changed(messages, &QAbstractItemModel::dataChanged);
         room->react(id, u"🚀"_s);
-        // Shown before the service has answered.
+        // Shown before the service has answered, and named for the user.
         QVERIFY(mine());
+        for (const QVariant& chip : messages->valueAt(0, u"reactions"_s).toList())
+            if (chip.toMap().value(u"emoji"_s) == u"🚀"_s)
+                QCOMPARE(chip.toMap().value(u"who"_s).toString(), u"You"_s);
+        // No chip names anyone by a bare id.
+        for (int row = 0; row < messages->count(); ++row)
+            for (const QVariant& chip : messages->valueAt(row, u"reactions"_s).toList())
+                QVERIFY2(
+                    !chip.toMap().value(u"who"_s).toString().contains(QRegularExpression(u"\\bu\\d+\\b"_s)),
+                    qPrintable(chip.toMap().value(u"who"_s).toString()));
         QCOMPARE(changed.size(), 1);
         const int loads = room->loader()->loads();
         QTRY_VERIFY(room->loader()->loads() > loads);

@@ -32,6 +32,9 @@ Rectangle {
             return sidebar.path === placePath && ("view=" + (sidebar.query.view || "")) === view
         if (placePath === "/activity")
             return sidebar.path === placePath && !sidebar.query.view
+        // A teammate's own chat and runs belong to the teammate's entry.
+        if (placePath === "/kest")
+            return sidebar.path === placePath
         return sidebar.path === placePath || sidebar.path.indexOf(placePath + "/") === 0
     }
 
