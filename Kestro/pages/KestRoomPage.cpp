@@ -66,34 +66,12 @@ KestRoomPage::KestRoomPage(QObject* parent, Timers& timers)
                                                 this)),
       m_thread(new KeyedList<KestRoomMessage>([](const KestRoomMessage& r) { return r.id; }, messageRoles(),
                                               this)),
-      m_answering(new KeyedList<KestAnswerRow>(
-          [](const KestAnswerRow& r) { return r.answer.runId; },
-          {{"name", [this](const KestAnswerRow& r) { return QVariant(nameOf(r.answer.agent)); }},
-           {"handle", [](const KestAnswerRow& r) { return QVariant(r.answer.agent); }},
-           {"doing", [](const KestAnswerRow& r) { return QVariant(r.answer.doing.value_or(QString())); }},
-           {"href",
-            [](const KestAnswerRow& r) {
-                return QVariant(QStringLiteral("/kest/%1/runs/%2").arg(r.answer.agent, r.answer.runId));
-            }},
-           {"trace",
-            [](const KestAnswerRow& r) { return r.trace ? QVariant::fromValue(*r.trace) : QVariant(); }}},
-          this)),
-      m_threadAnswering(nullptr), m_composer(new KestComposer(this, false)),
-      m_threadComposer(new KestComposer(this, true))
+      m_answering(new KeyedList<KestAnswerRow>([](const KestAnswerRow& r) { return r.answer.runId; },
+                                               answerRoles(), this)),
+      m_threadAnswering(new KeyedList<KestAnswerRow>([](const KestAnswerRow& r) { return r.answer.runId; },
+                                                     answerRoles(), this)),
+      m_composer(new KestComposer(this, false)), m_threadComposer(new KestComposer(this, true))
 {
-    // The thread's answering rows read like the room's.
-    m_threadAnswering = new KeyedList<KestAnswerRow>(
-        [](const KestAnswerRow& r) { return r.answer.runId; },
-        {{"name", [this](const KestAnswerRow& r) { return QVariant(nameOf(r.answer.agent)); }},
-         {"handle", [](const KestAnswerRow& r) { return QVariant(r.answer.agent); }},
-         {"doing", [](const KestAnswerRow& r) { return QVariant(r.answer.doing.value_or(QString())); }},
-         {"href",
-          [](const KestAnswerRow& r) {
-              return QVariant(QStringLiteral("/kest/%1/runs/%2").arg(r.answer.agent, r.answer.runId));
-          }},
-         {"trace",
-          [](const KestAnswerRow& r) { return r.trace ? QVariant::fromValue(*r.trace) : QVariant(); }}},
-        this);
     connect(this, &PageModel::routeChanged, this, [this] {
         if (threadId() != m_shownThread) {
             m_shownThread = threadId();
@@ -101,6 +79,20 @@ KestRoomPage::KestRoomPage(QObject* parent, Timers& timers)
             m_threadComposer->forget();
         }
     });
+}
+
+// The room's answering rows and a thread's read alike.
+QList<KeyedList<KestAnswerRow>::Role> KestRoomPage::answerRoles()
+{
+    using A = KestAnswerRow;
+    return {{"name", [this](const A& r) { return QVariant(nameOf(r.answer.agent)); }},
+            {"handle", [](const A& r) { return QVariant(r.answer.agent); }},
+            {"doing", [](const A& r) { return QVariant(r.answer.doing.value_or(QString())); }},
+            {"href",
+             [](const A& r) {
+                 return QVariant(QStringLiteral("/kest/%1/runs/%2").arg(r.answer.agent, r.answer.runId));
+             }},
+            {"trace", [](const A& r) { return r.trace ? QVariant::fromValue(*r.trace) : QVariant(); }}};
 }
 
 QList<KeyedList<KestRoomMessage>::Role> KestRoomPage::messageRoles()

@@ -100,6 +100,7 @@ private:
     void announceReactions(const QString& messageId);
     QCoro::Task<> sendReaction(QString messageId, QString emoji);
     QList<KeyedList<Model::KestRoomMessage>::Role> messageRoles();
+    QList<KeyedList<KestAnswerRow>::Role> answerRoles();
     QVariantList reactionChips(const QList<Model::ReactionView>& reactions) const;
     QString nameOf(const QString& id) const;
     QString answeringLine(const QList<Model::KestAnswer>& answering) const;
