@@ -21,6 +21,11 @@ QString textOf(const QJsonObject& object, std::initializer_list<const char*> key
     return {};
 }
 
+const Model::RunCallView& callOf(const RunCallRow& row)
+{
+    return row.of.calls[row.call];
+}
+
 // "12 s" between two times, or nothing when either is unknown.
 QString took(const QString& from, const std::optional<QString>& to)
 {
@@ -35,38 +40,66 @@ QString took(const QString& from, const std::optional<QString>& to)
 
 RunPage::RunPage(QObject* parent, Timers& timers)
     : PageModel(&RunPage::fetch, parent, timers),
-      m_rounds(new KeyedList<RunRoundRow>(
-          [](const RunRoundRow& r) { return QString::number(r.place); },
-          {{"title",
-            [](const RunRoundRow& r) { return QVariant(QStringLiteral("Round %1").arg(r.place + 1)); }},
-           {"doing",
-            [](const RunRoundRow& r) {
-                return QVariant(r.round.doing.value_or(r.round.action.value_or(QString())));
+      m_calls(new KeyedList<RunCallRow>(
+          [](const RunCallRow& r) { return QStringLiteral("r%1c%2").arg(r.round).arg(r.call); },
+          {{"heading",
+            [](const RunCallRow& r) {
+                return QVariant(r.call <= 0 ? QStringLiteral("Round %1").arg(r.round + 1) : QString());
             }},
-           {"took", [](const RunRoundRow& r) { return QVariant(took(r.round.startedAt, r.round.endedAt)); }},
-           {"calls",
-            [](const RunRoundRow& r) {
-                QVariantList calls;
-                for (const auto& call : r.round.calls) {
-                    const TraceRules::Mark mark = TraceRules::mark(call.status);
-                    const QString input = inputText(call.input);
-                    calls.append(
-                        QVariantMap{{QStringLiteral("icon"), TraceRules::toolIcon(call.tool)},
-                                    {QStringLiteral("tool"), call.tool},
-                                    {QStringLiteral("label"), call.label},
-                                    {QStringLiteral("status"), call.status},
-                                    {QStringLiteral("markIcon"), mark.icon},
-                                    {QStringLiteral("markWords"), mark.words},
-                                    {QStringLiteral("busy"), mark.busy},
-                                    {QStringLiteral("why"), call.why.value_or(QString())},
-                                    {QStringLiteral("input"), input},
-                                    {QStringLiteral("inputJson"), input.startsWith(QLatin1Char('{')) ||
-                                                                      input.startsWith(QLatin1Char('['))},
-                                    {QStringLiteral("result"), call.result.value_or(QString())},
-                                    {QStringLiteral("failed"), call.status == QLatin1String("failed")},
-                                    {QStringLiteral("approval"), call.approvalId.value_or(QString())}});
-                }
-                return QVariant(calls);
+           {"detail",
+            [](const RunCallRow& r) {
+                const QString doing = r.of.doing.value_or(r.of.action.value_or(QString()));
+                const QString time = took(r.of.startedAt, r.of.endedAt);
+                return QVariant(doing.isEmpty() || time.isEmpty() ? doing + time
+                                                                  : doing + QStringLiteral(" · ") + time);
+            }},
+           {"hasCall", [](const RunCallRow& r) { return QVariant(r.call >= 0); }},
+           {"icon",
+            [](const RunCallRow& r) {
+                return QVariant(r.call < 0 ? QString() : TraceRules::toolIcon(callOf(r).tool));
+            }},
+           {"label", [](const RunCallRow& r) { return QVariant(r.call < 0 ? QString() : callOf(r).label); }},
+           {"status",
+            [](const RunCallRow& r) { return QVariant(r.call < 0 ? QString() : callOf(r).status); }},
+           {"markIcon",
+            [](const RunCallRow& r) {
+                return QVariant(r.call < 0 ? QString() : TraceRules::mark(callOf(r).status).icon);
+            }},
+           {"markWords",
+            [](const RunCallRow& r) {
+                return QVariant(r.call < 0 ? QString() : TraceRules::mark(callOf(r).status).words);
+            }},
+           {"busy",
+            [](const RunCallRow& r) {
+                return QVariant(r.call >= 0 && TraceRules::mark(callOf(r).status).busy);
+            }},
+           {"why",
+            [](const RunCallRow& r) {
+                return QVariant(r.call < 0 ? QString() : callOf(r).why.value_or(QString()));
+            }},
+           {"input",
+            [](const RunCallRow& r) {
+                return QVariant(r.call < 0 ? QString() : inputText(callOf(r).input));
+            }},
+           {"inputJson",
+            [](const RunCallRow& r) {
+                const QJsonValue input = r.call < 0 ? QJsonValue() : callOf(r).input.toQJsonValue();
+                return QVariant(input.isObject() || input.isArray());
+            }},
+           {"result",
+            [](const RunCallRow& r) {
+                return QVariant(r.call < 0 ? QString() : callOf(r).result.value_or(QString()));
+            }},
+           {"failed",
+            [](const RunCallRow& r) {
+                return QVariant(r.call >= 0 && callOf(r).status == QLatin1String("failed"));
+            }},
+           {"approval",
+            [](const RunCallRow& r) {
+                return QVariant(r.call >= 0 && callOf(r).status == QLatin1String("waiting") &&
+                                        callOf(r).approvalId
+                                    ? *callOf(r).approvalId
+                                    : QString());
             }}},
           this))
 {
@@ -84,10 +117,15 @@ QCoro::Task<QVariant> RunPage::fetch(Route route)
 void RunPage::apply(const QVariant& value)
 {
     auto result = value.value<Calls::kest::RunResult>();
-    QList<RunRoundRow> rows;
-    for (qsizetype i = 0; i < result.run.rounds.size(); ++i)
-        rows.append({int(i), result.run.rounds[i]});
-    m_rounds->apply(std::move(rows));
+    QList<RunCallRow> rows;
+    for (qsizetype round = 0; round < result.run.rounds.size(); ++round) {
+        const auto& of = result.run.rounds[round];
+        if (of.calls.isEmpty())
+            rows.append({int(round), -1, of});
+        for (qsizetype call = 0; call < of.calls.size(); ++call)
+            rows.append({int(round), int(call), of});
+    }
+    m_calls->apply(std::move(rows));
     if (m_loaded && result == m_result)
         return;
     m_loaded = true;
@@ -155,9 +193,9 @@ int RunPage::waiting() const
     return n;
 }
 
-KeyedListModel* RunPage::rounds() const
+KeyedListModel* RunPage::calls() const
 {
-    return m_rounds;
+    return m_calls;
 }
 
 QString RunPage::inputText(const JSONValue& input)

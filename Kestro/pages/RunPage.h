@@ -9,11 +9,15 @@
 
 namespace Kestro {
 
-// A round of a run, keyed by its place: rounds only accumulate.
-struct RunRoundRow {
-    int place = 0;
-    Model::RunViewRound round;
-    bool operator==(const RunRoundRow&) const = default;
+// One call of a run's rounds, keyed by its place ("r1c2"): rounds and their
+// calls only accumulate, so a call the user opened stays open through the
+// reloads while the run works. A round's first row carries its heading; a
+// round without calls is a heading alone.
+struct RunCallRow {
+    int round = 0;
+    int call = -1;
+    Model::RunViewRound of;
+    bool operator==(const RunCallRow&) const = default;
 };
 
 // A teammate's run ("/kest/<handle>/runs/<id>"): what it answered, what it
@@ -35,7 +39,8 @@ class RunPage : public Kestro::PageModel {
     Q_PROPERTY(QString draftText READ draftText NOTIFY answered)
     Q_PROPERTY(int waiting READ waiting NOTIFY answered)
     Q_PROPERTY(QVariant trace READ trace NOTIFY answered)
-    Q_PROPERTY(Kestro::KeyedListModel* rounds READ rounds CONSTANT)
+    Q_PROPERTY(int roundCount READ roundCount NOTIFY answered)
+    Q_PROPERTY(Kestro::KeyedListModel* calls READ calls CONSTANT)
 
 public:
     explicit RunPage(QObject* parent = nullptr, Timers& timers = Timers::system());
@@ -56,7 +61,8 @@ public:
     // Calls waiting for the user's approval.
     int waiting() const;
     QVariant trace() const { return QVariant::fromValue(m_result.trace); }
-    KeyedListModel* rounds() const;
+    int roundCount() const { return int(m_result.run.rounds.size()); }
+    KeyedListModel* calls() const;
 
     // A call's input as its row shows it: pretty JSON for objects and
     // arrays, the text itself for a string, nothing when absent.
@@ -73,7 +79,7 @@ protected:
 private:
     Calls::kest::RunResult m_result;
     bool m_loaded = false;
-    KeyedList<RunRoundRow>* m_rounds;
+    KeyedList<RunCallRow>* m_calls;
 };
 
 } // namespace Kestro

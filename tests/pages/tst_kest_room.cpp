@@ -311,7 +311,10 @@ private slots:
         run.start();
         QTRY_COMPARE_WITH_TIMEOUT(run.loader()->state(), Loaded::State::Content, 10000);
         QVERIFY(run.title().endsWith(u"'s run"_s));
-        QVERIFY(run.rounds()->count() > 0);
+        QVERIFY(run.roundCount() > 0);
+        QVERIFY(run.calls()->count() >= run.roundCount());
+        // Each round's first row carries its heading.
+        QCOMPARE(run.calls()->valueAt(0, u"heading"_s).toString(), u"Round 1"_s);
         QVERIFY(!run.inProgress());
     }
 };

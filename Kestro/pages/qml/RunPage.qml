@@ -159,26 +159,39 @@ Item {
             }
 
             SectionHeader {
-                visible: run.rounds.count > 0
+                visible: run.roundCount > 0
                 Layout.fillWidth: true
                 Layout.topMargin: 8
                 text: "Rounds"
-                count: run.rounds.count
+                count: run.roundCount
             }
             Repeater {
-                model: run.rounds
+                model: run.calls
                 delegate: ColumnLayout {
-                    id: round
-                    required property string title
-                    required property string doing
-                    required property string took
-                    required property var calls
+                    id: call
+                    required property string heading
+                    required property string detail
+                    required property bool hasCall
+                    required property string icon
+                    required property string label
+                    required property string status
+                    required property string markIcon
+                    required property string markWords
+                    required property bool busy
+                    required property string why
+                    required property string input
+                    required property bool inputJson
+                    required property string result
+                    required property bool failed
+                    required property string approval
                     Layout.fillWidth: true
-                    spacing: 2
+                    spacing: 0
                     RowLayout {
+                        visible: call.heading.length > 0
+                        Layout.topMargin: 6
                         spacing: 8
                         Text {
-                            text: round.title
+                            text: call.heading
                             color: Theme.text
                             font.family: Theme.sans
                             font.pixelSize: 13
@@ -187,46 +200,38 @@ Item {
                             Accessible.name: text
                         }
                         Text {
-                            text: round.doing + (round.doing.length > 0 && round.took.length > 0 ? " · " : "") + round.took
+                            text: call.detail
                             textFormat: Text.PlainText
                             color: Theme.muted
                             font.family: Theme.sans
                             font.pixelSize: 12
                         }
                     }
-                    Repeater {
-                        model: round.calls
-                        delegate: ColumnLayout {
-                            id: call
-                            required property var modelData
-                            Layout.fillWidth: true
-                            spacing: 0
-                            TraceStepRow {
-                                Layout.fillWidth: true
-                                fold: false
-                                icon: call.modelData.icon
-                                label: call.modelData.label
-                                status: call.modelData.status
-                                markIcon: call.modelData.markIcon
-                                markWords: call.modelData.markWords
-                                busy: call.modelData.busy
-                                chipText: ""
-                                chipHost: ""
-                                chipUrl: ""
-                                why: call.modelData.why
-                                input: call.modelData.input
-                                inputJson: call.modelData.inputJson
-                                result: call.modelData.result
-                                failed: call.modelData.failed
-                                pages: []
-                            }
-                            LinkText {
-                                visible: call.modelData.approval.length > 0 && call.modelData.status === "waiting"
-                                Layout.leftMargin: 28
-                                text: "Decide in Needs you"
-                                onClicked: run.open("/activity?view=you")
-                            }
-                        }
+                    TraceStepRow {
+                        visible: call.hasCall
+                        Layout.fillWidth: true
+                        fold: false
+                        icon: call.icon
+                        label: call.label
+                        status: call.status
+                        markIcon: call.markIcon
+                        markWords: call.markWords
+                        busy: call.busy
+                        chipText: ""
+                        chipHost: ""
+                        chipUrl: ""
+                        why: call.why
+                        input: call.input
+                        inputJson: call.inputJson
+                        result: call.result
+                        failed: call.failed
+                        pages: []
+                    }
+                    LinkText {
+                        visible: call.approval.length > 0
+                        Layout.leftMargin: 28
+                        text: "Decide in Needs you"
+                        onClicked: run.open("/activity?view=you")
                     }
                 }
             }
