@@ -748,7 +748,9 @@ private slots:
     // you, and the run page's call and Needs you name the same approval.
     void failuresAndApprovalsShowInTheRoom()
     {
-        DevService service({u"--auto-approve"_s, u"--time-scale"_s, u"3"_s});
+        // At the demo's own pace, so an approval waits long enough (6 s) to
+        // be seen by a slow poll, as under the sanitizers.
+        DevService service({u"--auto-approve"_s});
         Session session(service);
         const double failedBefore = blockingWait(Calls::shell::activity()).failed;
         QStringList threads;
