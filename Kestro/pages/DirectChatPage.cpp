@@ -6,8 +6,6 @@
 #include "calls/app.h"
 #include "service/ServiceError.h"
 
-#include <QClipboard>
-#include <QGuiApplication>
 #include <QJsonObject>
 #include <QPointer>
 
@@ -320,12 +318,6 @@ void DirectChatPage::closeThread()
 {
     if (!m_data.agent.handle.isEmpty())
         open(QStringLiteral("/kest/%1/chat").arg(m_data.agent.handle));
-}
-
-void DirectChatPage::copy(const QString& text) const
-{
-    if (auto* clipboard = QGuiApplication::clipboard())
-        clipboard->setText(text);
 }
 
 } // namespace Kestro

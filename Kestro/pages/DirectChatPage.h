@@ -93,7 +93,6 @@ public:
 
     Q_INVOKABLE void send();
     Q_INVOKABLE void closeThread();
-    Q_INVOKABLE void copy(const QString& text) const;
 
 signals:
     void answered();

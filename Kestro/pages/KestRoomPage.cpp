@@ -7,8 +7,6 @@
 #include "calls/app.h"
 #include "service/ServiceError.h"
 
-#include <QClipboard>
-#include <QGuiApplication>
 #include <QPointer>
 #include <QSettings>
 
@@ -458,12 +456,6 @@ void KestRoomPage::dismissReactionError()
 void KestRoomPage::closeThread()
 {
     open(QStringLiteral("/kest"));
-}
-
-void KestRoomPage::copy(const QString& text) const
-{
-    if (auto* clipboard = QGuiApplication::clipboard())
-        clipboard->setText(text);
 }
 
 } // namespace Kestro

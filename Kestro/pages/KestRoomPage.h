@@ -72,7 +72,6 @@ public:
     Q_INVOKABLE void react(const QString& messageId, const QString& emoji);
     Q_INVOKABLE void dismissReactionError();
     Q_INVOKABLE void closeThread();
-    Q_INVOKABLE void copy(const QString& text) const;
     void reloadNow() { reloadAfterAction(); }
 
     // The user's reaction with `emoji` on or off.

@@ -6,7 +6,6 @@ import QtQuick.Controls.Basic
 import QtQuick.Layouts
 import Kestro.Controls
 import Kestro.AgentWork
-import Kestro.Composer
 import Kestro.Pages
 
 // A private chat with one teammate ("/kest/<handle>/chat"), organised as
@@ -241,7 +240,6 @@ Item {
                     inThread: true
                     copyTip: "Copy the reply"
                     onLinkOpened: path => chat.open(path)
-                    onCopied: text => chat.copy(text)
                 }
                 EmptyState {
                     visible: !chat.threadOpen
@@ -283,44 +281,15 @@ Item {
                 }
             }
 
-            PromptBar {
-                id: prompt
-                objectName: "chatPrompt"
+            KestComposerBar {
                 Layout.fillWidth: true
                 Layout.leftMargin: 24
                 Layout.rightMargin: 24
                 Layout.topMargin: 8
-                access: page.access
-                label: chat.label
-                placeholder: chat.placeholder
-                sendLabel: chat.pending ? "Sending" : "Send"
-                pending: chat.pending
-                explainsEmpty: true
-                value: chat.text
-                onValueChanged: if (value !== chat.text) chat.text = value
-                onSend: chat.send()
-                Connections {
-                    target: chat
-                    function onTextChanged() {
-                        if (prompt.value !== chat.text)
-                            prompt.value = chat.text
-                    }
-                }
-            }
-            Text {
-                readonly property string line: chat.error.length > 0 ? chat.error : chat.note.length > 0 ? chat.note : chat.hint
-                visible: prompt.notice.length === 0
-                Layout.fillWidth: true
-                Layout.leftMargin: 28
                 Layout.bottomMargin: 16
-                Layout.topMargin: 4
-                text: line
-                wrapMode: Text.Wrap
-                color: chat.error.length > 0 ? Theme.danger : Theme.muted
-                font.family: Theme.sans
-                font.pixelSize: 12
-                Accessible.role: chat.error.length > 0 ? Accessible.AlertMessage : Accessible.StaticText
-                Accessible.name: text
+                promptName: "chatPrompt"
+                composer: chat
+                access: page.access
             }
         }
     }

@@ -4,12 +4,15 @@ import Kestro.Controls
 import Kestro.Composer
 import Kestro.Pages
 
-// A kest composer on screen: the prompt bar with @ (teammates) and /
-// (skills), and under it the error of the last send, or who took it, or
-// the hint of who the message goes to.
+// A composer on screen, the kest room's or a one-to-one chat's: the prompt
+// bar with @ (teammates) and / (skills), and under it the error of the last
+// send, or who took it, or the hint of who the message goes to. `composer`
+// is whatever holds the sending: text, hint, note, error, pending, label,
+// placeholder and send().
 ColumnLayout {
     id: bar
-    required property KestComposer composer
+    required property var composer
+    property string promptName: "kestPrompt"
     property string access
     property var mentions: []
     property alias editor: prompt
@@ -17,7 +20,7 @@ ColumnLayout {
 
     PromptBar {
         id: prompt
-        objectName: "kestPrompt"
+        objectName: bar.promptName
         Layout.fillWidth: true
         access: bar.access
         label: bar.composer.label

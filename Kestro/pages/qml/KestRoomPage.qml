@@ -113,7 +113,6 @@ Item {
                     onLinkOpened: path => room.open(path)
                     onReacted: (id, emoji) => room.react(id, emoji)
                     onAddingReaction: (id, from) => picker.openFor(id, from)
-                    onCopied: text => room.copy(text)
                 }
                 EmptyState {
                     visible: room.messages.count === 0

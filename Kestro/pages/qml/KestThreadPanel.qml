@@ -81,7 +81,6 @@ Rectangle {
             onLinkOpened: path => panel.room.open(path)
             onReacted: (id, emoji) => panel.room.react(id, emoji)
             onAddingReaction: (id, from) => panel.addingReaction(id, from)
-            onCopied: text => panel.room.copy(text)
         }
         Repeater {
             model: panel.room.threadAnswering

@@ -4,6 +4,7 @@ pragma ComponentBehavior: Bound
 import QtQuick
 import QtQuick.Controls.Basic
 import Kestro.Controls
+import Kestro.RichText
 
 // Messages, newest at the bottom: the model lists them newest first and the
 // view lays them out bottom to top, so older history never moves what is on
@@ -25,7 +26,6 @@ ListView {
     signal linkOpened(string path)
     signal reacted(string messageId, string emoji)
     signal addingReaction(string messageId, Item from)
-    signal copied(string text)
 
     verticalLayoutDirection: ListView.BottomToTop
     clip: true
@@ -153,7 +153,7 @@ ListView {
             glyph: "copy"
             tip: timeline.copyTip
             Accessible.name: "Copy"
-            onClicked: timeline.copied(actions.message.text)
+            onClicked: CodeView.copy(actions.message.text)
         }
     }
 
