@@ -1,6 +1,7 @@
 #include "DirectChatPage.h"
 
 #include "KestWords.h"
+#include "shell/Drafts.h"
 #include "shell/RelativeTime.h"
 
 #include "calls/app.h"
@@ -104,6 +105,7 @@ DirectChatPage::DirectChatPage(QObject* parent, Timers& timers)
            {"threadOf", [](const MessageView&) { return QVariant(QString()); }}},
           this))
 {
+    connect(this, &PageModel::routeChanged, this, &DirectChatPage::followPlace);
 }
 
 QCoro::Task<QVariant> DirectChatPage::fetch(Route route)
@@ -186,8 +188,12 @@ QString DirectChatPage::threadFailure() const
     // What the teammate had written is kept; say so, and why it stopped.
     if (!messages.isEmpty() && messages.last().role == QLatin1String("agent"))
         return QStringLiteral("Saved before the reply stopped");
-    return QStringLiteral("reply failed") +
-           (m_data.thread->error ? QStringLiteral(": ") + *m_data.thread->error : QString());
+    // A sentence that says what went wrong and what to do next.
+    QString why = m_data.thread->error.value_or(QString()).trimmed();
+    if (!why.isEmpty() && !why.endsWith(QLatin1Char('.')))
+        why += QLatin1Char('.');
+    return QStringLiteral("%1's reply failed%2 Send your message again to have another go.")
+        .arg(m_data.agent.name, why.isEmpty() ? QStringLiteral(".") : QStringLiteral(": ") + why);
 }
 
 bool DirectChatPage::working() const
@@ -247,7 +253,25 @@ void DirectChatPage::setText(const QString& text)
     if (text == m_text)
         return;
     m_text = text;
+    Drafts::keep(m_place, text);
     emit textChanged();
+}
+
+QString DirectChatPage::place() const
+{
+    return QStringLiteral("chat/%1/%2").arg(route().segments.value(1), threadId());
+}
+
+void DirectChatPage::followPlace()
+{
+    // Each thread, and the new-thread composer, keeps its own words; the
+    // last send's note belongs to where it was sent.
+    const QString place = this->place();
+    if (place == m_place)
+        return;
+    m_place = place;
+    setText(Drafts::of(place));
+    setSendState({}, {}, m_pending);
 }
 
 QString DirectChatPage::threadId() const

@@ -108,8 +108,11 @@ private:
     QCoro::Task<> post(QString text, QString threadId, QString handle, bool handing);
     void setSendState(QString note, QString error, bool pending);
     QString threadId() const;
+    QString place() const;
+    void followPlace();
 
     ChatData m_data;
+    QString m_place;
     bool m_loaded = false;
     KeyedList<Model::ThreadSummary>* m_threads;
     KeyedList<Model::MessageView>* m_messages;

@@ -3,6 +3,7 @@
 #include "KestRoomPage.h"
 #include "KestWords.h"
 #include "service/ServiceError.h"
+#include "shell/Drafts.h"
 
 #include <QJsonObject>
 #include <QPointer>
@@ -12,6 +13,8 @@ namespace Kestro {
 KestComposer::KestComposer(KestRoomPage* page, bool inThread)
     : QObject(page), m_page(page), m_inThread(inThread)
 {
+    if (!inThread)
+        m_text = Drafts::of(place());
     connect(this, &KestComposer::textChanged, this, &KestComposer::hintChanged);
 }
 
@@ -20,6 +23,7 @@ void KestComposer::setText(const QString& text)
     if (text == m_text)
         return;
     m_text = text;
+    Drafts::keep(place(), text);
     emit textChanged();
 }
 
@@ -48,6 +52,11 @@ void KestComposer::send()
         return;
     }
     post(m_text, m_inThread ? m_page->threadId() : QString());
+}
+
+QString KestComposer::place() const
+{
+    return m_inThread ? QStringLiteral("kest/thread/") + m_page->threadId() : QStringLiteral("kest");
 }
 
 void KestComposer::forget()

@@ -42,6 +42,8 @@ public:
     Q_INVOKABLE void send();
     // A new thread opened in the panel: the last send's words go.
     void forget();
+    // Where the typed text is kept while unsent: the room, or its thread.
+    QString place() const;
 
     // What a good post leads to: the note, and the thread the room opens
     // (none from inside a thread).

@@ -2,6 +2,7 @@
 
 #include "KestComposer.h"
 #include "KestWords.h"
+#include "shell/Drafts.h"
 #include "shell/RelativeTime.h"
 
 #include "calls/app.h"
@@ -70,12 +71,14 @@ KestRoomPage::KestRoomPage(QObject* parent, Timers& timers)
                                                      answerRoles(), this)),
       m_composer(new KestComposer(this, false)), m_threadComposer(new KestComposer(this, true))
 {
+    // Each thread keeps what the user had half typed in it: closing the
+    // panel, opening another thread or going Back loses no words.
     connect(this, &PageModel::routeChanged, this, [this] {
-        if (threadId() != m_shownThread) {
-            m_shownThread = threadId();
-            m_threadComposer->setText({});
-            m_threadComposer->forget();
-        }
+        if (threadId() == m_shownThread)
+            return;
+        m_shownThread = threadId();
+        m_threadComposer->setText(Drafts::of(m_threadComposer->place()));
+        m_threadComposer->forget();
     });
 }
 

@@ -141,6 +141,45 @@ private slots:
         QCOMPARE(KestComposer::outcomeOf(result, kestOf(true), true).open, QString());
     }
 
+    void halfTypedWordsStayWithTheirPlace()
+    {
+        // Each thread keeps its own unsent words; another thread starts
+        // empty, coming back gives them back, and so does a rebuilt room.
+        {
+            KestRoomPage room;
+            room.setRouter(m_router.get());
+            room.setRoute(Route::parse(u"/kest?thread=a"_s));
+            room.composer()->setText(u"for the room"_s);
+            room.threadComposer()->setText(u"for thread a"_s);
+            room.setRoute(Route::parse(u"/kest?thread=b"_s));
+            QCOMPARE(room.threadComposer()->text(), QString());
+            room.threadComposer()->setText(u"for thread b"_s);
+            room.setRoute(Route::parse(u"/kest"_s));
+            room.setRoute(Route::parse(u"/kest?thread=a"_s));
+            QCOMPARE(room.threadComposer()->text(), u"for thread a"_s);
+        }
+        KestRoomPage again;
+        again.setRouter(m_router.get());
+        again.setRoute(Route::parse(u"/kest?thread=b"_s));
+        QCOMPARE(again.composer()->text(), u"for the room"_s);
+        QCOMPARE(again.threadComposer()->text(), u"for thread b"_s);
+        // A sent or emptied text is forgotten.
+        again.composer()->setText(u"  "_s);
+        KestRoomPage third;
+        QCOMPARE(third.composer()->text(), QString());
+
+        // The one-to-one chat keeps the new-thread words apart from a thread's.
+        DirectChatPage chat;
+        chat.setRouter(m_router.get());
+        chat.setRoute(Route::parse(u"/kest/quill/chat"_s));
+        chat.setText(u"a new thread"_s);
+        chat.setRoute(Route::parse(u"/kest/quill/chat/t1"_s));
+        QCOMPARE(chat.text(), QString());
+        chat.setRoute(Route::parse(u"/kest/quill/chat"_s));
+        QCOMPARE(chat.text(), u"a new thread"_s);
+        chat.setText({});
+    }
+
     void aReactionTogglesTheUsersOwn()
     {
         QList<Model::ReactionView> reactions{{u"👍"_s, {u"u2"_s}}};

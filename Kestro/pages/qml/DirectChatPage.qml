@@ -24,6 +24,26 @@ Item {
         id: chat
         objectName: "directChat"
         Component.onCompleted: chat.start()
+        // Opening a thread, or going back to the list, the keyboard goes
+        // to the composer.
+        onRouteChanged: focusSoon.restart()
+    }
+    Connections {
+        target: chat.loader
+        function onStateChanged() {
+            if (chat.loader.state === Loaded.Content)
+                focusSoon.restart()
+        }
+    }
+    // Once the content shows: a hidden editor takes no keyboard.
+    Timer {
+        id: focusSoon
+        interval: 0
+        onTriggered: page.focusComposer()
+    }
+    function focusComposer() {
+        if (chat.loader.state === Loaded.Content)
+            chatComposer.editor.focusEditor()
     }
 
     Bones {
@@ -267,11 +287,10 @@ Item {
                 Layout.leftMargin: 24
                 Layout.rightMargin: 24
                 spacing: 2
+                // The trace under it offers "Watch the steps": one link, not two.
                 Working {
                     label: chat.workingLine
                     since: chat.workingSince
-                    href: chat.runHref
-                    onOpened: href => chat.open(href)
                 }
                 TraceView {
                     Layout.fillWidth: true
@@ -282,6 +301,7 @@ Item {
             }
 
             KestComposerBar {
+                id: chatComposer
                 Layout.fillWidth: true
                 Layout.leftMargin: 24
                 Layout.rightMargin: 24

@@ -27,6 +27,30 @@ Item {
         id: room
         objectName: "kestRoom"
         Component.onCompleted: room.start()
+        // Arriving, the keyboard goes to the composer the user will write
+        // in: the open thread's, else the room's.
+        onThreadIdChanged: page.focusComposer()
+    }
+    Connections {
+        target: room.loader
+        function onStateChanged() {
+            if (room.loader.state === Loaded.Content)
+                focusSoon.restart()
+        }
+    }
+    // Once the content shows: a hidden editor takes no keyboard.
+    Timer {
+        id: focusSoon
+        interval: 0
+        onTriggered: page.focusComposer()
+    }
+    function focusComposer() {
+        if (!page.canWrite)
+            return
+        if (room.threadId.length > 0)
+            thread.focusComposer()
+        else
+            composer.editor.focusEditor()
     }
 
     Bones {
@@ -135,17 +159,34 @@ Item {
                 }
             }
 
-            Text {
+            // A refused reaction says so for a while, or until dismissed.
+            RowLayout {
                 visible: room.reactionError.length > 0
                 Layout.fillWidth: true
                 Layout.leftMargin: 24
-                text: room.reactionError
-                wrapMode: Text.Wrap
-                color: Theme.danger
-                font.family: Theme.sans
-                font.pixelSize: 12
-                Accessible.role: Accessible.AlertMessage
-                Accessible.name: text
+                Layout.rightMargin: 24
+                spacing: 8
+                Text {
+                    Layout.fillWidth: true
+                    text: room.reactionError
+                    textFormat: Text.PlainText
+                    wrapMode: Text.Wrap
+                    color: Theme.danger
+                    font.family: Theme.sans
+                    font.pixelSize: 12
+                    Accessible.role: Accessible.AlertMessage
+                    Accessible.name: text
+                }
+                IconButton {
+                    glyph: "x"
+                    tip: "Dismiss"
+                    onClicked: room.dismissReactionError()
+                }
+                Timer {
+                    interval: 8000
+                    running: room.reactionError.length > 0
+                    onTriggered: room.dismissReactionError()
+                }
             }
 
             KestComposerBar {

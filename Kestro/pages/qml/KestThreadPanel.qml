@@ -14,6 +14,19 @@ Rectangle {
     property string access
     property bool canReact: false
     signal addingReaction(string messageId, Item from)
+    // Called when the thread opens; waits for the panel to show, since a
+    // hidden editor cannot take the keyboard.
+    function focusComposer() {
+        if (visible)
+            threadComposer.editor.focusEditor()
+        else
+            focusOnShow = true
+    }
+    property bool focusOnShow: false
+    onVisibleChanged: if (visible && focusOnShow) {
+        focusOnShow = false
+        threadComposer.editor.focusEditor()
+    }
     color: Theme.page
     Accessible.role: Accessible.Pane
     Accessible.name: "Thread"
@@ -92,6 +105,7 @@ Rectangle {
             }
         }
         KestComposerBar {
+            id: threadComposer
             Layout.fillWidth: true
             Layout.margins: 12
             composer: panel.room.threadComposer
