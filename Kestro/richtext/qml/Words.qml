@@ -22,10 +22,12 @@ TextEdit {
     font.family: family
     font.pixelSize: size
     font.weight: bold ? Font.DemiBold : Font.Normal
-    // Links and code spans take the theme's link colour and the mono face.
-    text: html.replace(/<a href=/g, "<a style=\"color:" + Theme.link + ";text-decoration:underline\" href=")
-              .replace(/<code>/g, "<span style=\"font-family:'" + Theme.mono + "'\">")
-              .replace(/<\/code>/g, "</span>")
+    // The html comes styled (links, code spans) from the document model.
+    // It is set once the item is complete and knows its width: set before,
+    // the text would be laid out twice, unwrapped and then wrapped.
+    property bool complete: false
+    Component.onCompleted: complete = true
+    text: complete ? html : ""
     onLinkActivated: link => words.linkClicked(link)
 
     HoverHandler {
