@@ -22,12 +22,10 @@ TextEdit {
     font.family: family
     font.pixelSize: size
     font.weight: bold ? Font.DemiBold : Font.Normal
-    // The html comes styled (links, code spans) from the document model.
-    // It is set once the item is complete and knows its width: set before,
-    // the text would be laid out twice, unwrapped and then wrapped.
-    property bool complete: false
-    Component.onCompleted: complete = true
-    text: complete ? html : ""
+    // Links and code spans take the theme's link colour and the mono face.
+    text: html.replace(/<a href=/g, "<a style=\"color:" + Theme.link + ";text-decoration:underline\" href=")
+              .replace(/<code>/g, "<span style=\"font-family:'" + Theme.mono + "'\">")
+              .replace(/<\/code>/g, "</span>")
     onLinkActivated: link => words.linkClicked(link)
 
     HoverHandler {
