@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QColor>
 #include <QObject>
 #include <QVariantList>
 #include <QtQml/qqmlregistration.h>
@@ -7,9 +8,14 @@
 namespace Kestro {
 
 // The Markdown view's model: parses `text` into blocks and hands QML a tree
-// of plain maps ({kind, level, html, posts, code, lang, blocks, items, head, rows}).
-// Inline text arrives as Qt rich text built from the styled runs, so it is
-// selectable and its links report through onLinkActivated.
+// of plain maps ({kind, level, html, posts, code, lang, blocks, items, head, rows};
+// a quote's or list item's html is the text it holds when that is all it
+// holds).
+// Runs of headings, paragraphs and plain lists come as one "flow" block whose
+// html holds them all.
+// Inline text arrives as Qt rich text built from the styled runs, styled
+// already (code face, link colour), so it is selectable and its links
+// report through onLinkActivated.
 class MarkdownDocument : public QObject {
     Q_OBJECT
     QML_ELEMENT
@@ -19,6 +25,12 @@ class MarkdownDocument : public QObject {
     // Paragraphs that link to posts on X list them under "posts"
     // ({address, user, id}), for the embedded cards.
     Q_PROPERTY(bool embeds READ embeds WRITE setEmbeds NOTIFY changed)
+    // The base text size and the document style, which set the spacing and
+    // heading sizes of the text that flows together ("flow" blocks).
+    Q_PROPERTY(double size READ size WRITE setSize NOTIFY changed)
+    Q_PROPERTY(bool document READ document WRITE setDocument NOTIFY changed)
+    // Links take the theme's colour ("#3b5bdb").
+    Q_PROPERTY(QColor linkColor READ linkColor WRITE setLinkColor NOTIFY changed)
     Q_PROPERTY(QVariantList blocks READ blocks NOTIFY changed)
 
 public:
@@ -32,10 +44,14 @@ public:
     void setImages(bool images);
     bool embeds() const { return m_embeds; }
     void setEmbeds(bool embeds);
-    QVariantList blocks() const { return m_blocks; }
+    double size() const { return m_size; }
+    void setSize(double size);
+    bool document() const { return m_document; }
+    QColor linkColor() const { return m_linkColor; }
+    void setLinkColor(const QColor& color);
+    void setDocument(bool document);
+    QVariantList blocks() const;
 
-    // One block's inline Markdown as rich text (also for other views).
-    Q_INVOKABLE static QString inlineHtml(const QString& markdown, int citations = 0, bool images = false);
     // Where a click on a link goes: "anchor", "app" or "system".
     Q_INVOKABLE QString linkTarget(const QString& address) const;
 
@@ -43,13 +59,18 @@ signals:
     void changed();
 
 private:
+    // Marks the blocks stale; they are parsed again when next read.
     void rebuild();
 
     QString m_text;
     int m_citations = 0;
     bool m_images = false;
     bool m_embeds = false;
-    QVariantList m_blocks;
+    double m_size = 14;
+    bool m_document = false;
+    QColor m_linkColor = QColor(0x3b, 0x5b, 0xdb);
+    mutable QVariantList m_blocks;
+    mutable bool m_dirty = false;
 };
 
 } // namespace Kestro

@@ -1,4 +1,5 @@
-// The Markdown view's model: which paragraphs carry embedded posts.
+// The Markdown view's model: which paragraphs carry embedded posts, and
+// which text flows together into one block.
 
 #include "richtext/MarkdownDocument.h"
 
@@ -31,6 +32,63 @@ private slots:
         const QVariantMap item = document.blocks().at(1).toMap().value(u"items"_s).toList().at(0).toMap();
         QCOMPARE(item.value(u"blocks"_s).toList().at(0).toMap().value(u"posts"_s).toList().size(), 1);
         QVERIFY(document.blocks().at(2).toMap().value(u"posts"_s).toList().isEmpty());
+    }
+
+    // Text that reads as one run is one "flow" block (one text item); what
+    // needs a view of its own breaks it.
+    void flowingTextIsOneBlock_data()
+    {
+        QTest::addColumn<QString>("markdown");
+        QTest::addColumn<QStringList>("kinds");
+        QTest::newRow("heading, paragraph, plain list")
+            << u"## Plan\n\nFirst this.\n\n- one\n- two\n  1. nested"_s << QStringList{u"flow"_s};
+        QTest::newRow("code between")
+            << u"Before\n\n```ts\nx()\n```\n\nAfter"_s << QStringList{u"flow"_s, u"code"_s, u"flow"_s};
+        QTest::newRow("task list") << u"Intro\n\n- [x] done\n- [ ] not"_s
+                                   << QStringList{u"flow"_s, u"list"_s};
+        QTest::newRow("list counting from 3") << u"3. three\n4. four"_s << QStringList{u"list"_s};
+        QTest::newRow("list from 1") << u"1. one\n2. two"_s << QStringList{u"flow"_s};
+        QTest::newRow("item holding code") << u"- see\n\n  ```\n  x\n  ```"_s << QStringList{u"list"_s};
+        QTest::newRow("table and rule") << u"a\n\n| A | B |\n|---|---|\n| 1 | 2 |\n\n---\n\nb"_s
+                                        << QStringList{u"flow"_s, u"table"_s, u"rule"_s, u"flow"_s};
+    }
+    void flowingTextIsOneBlock()
+    {
+        QFETCH(QString, markdown);
+        QFETCH(QStringList, kinds);
+        MarkdownDocument document;
+        document.setText(markdown);
+        QStringList got;
+        for (const QVariant& block : document.blocks())
+            got.append(block.toMap().value(u"kind"_s).toString());
+        QCOMPARE(got, kinds);
+    }
+
+    void flowKeepsTheTextsStyleAndSpacing()
+    {
+        MarkdownDocument document;
+        document.setText(u"# Title\n\nSee [docs](https://example.com) and `code`.\n\n> quoted *text*"_s);
+        document.setLinkColor(QColor(u"#112233"_s));
+        const QVariantList blocks = document.blocks();
+        QCOMPARE(blocks.size(), 2);
+        const QString flow = blocks.at(0).toMap().value(u"html"_s).toString();
+        // The heading in the display face at 1.75 times the base size, the
+        // paragraph 10 px under it, the link in the given colour, code in mono.
+        QVERIFY2(flow.contains(u"font-family:'Plus Jakarta Sans';font-size:25px"_s), qPrintable(flow));
+        QVERIFY(flow.contains(u"margin-top:10px"_s));
+        QVERIFY(flow.contains(u"color:#112233"_s));
+        QVERIFY(flow.contains(u"href=\"https://example.com\""_s));
+        QVERIFY(flow.contains(u"font-family:'Geist Mono'\">code"_s));
+        // A quote of plain text carries its text for one text item.
+        const QVariantMap quote = blocks.at(1).toMap();
+        QCOMPARE(quote.value(u"kind"_s).toString(), u"quote"_s);
+        QVERIFY(quote.value(u"html"_s).toString().contains(u"<i>text</i>"_s));
+        // The document style spaces blocks wider and sizes up.
+        document.setDocument(true);
+        document.setSize(15);
+        const QString wider = document.blocks().at(0).toMap().value(u"html"_s).toString();
+        QVERIFY(wider.contains(u"margin-top:14px"_s));
+        QVERIFY(wider.contains(u"font-size:26px"_s));
     }
 };
 

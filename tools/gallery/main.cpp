@@ -172,6 +172,11 @@ int main(int argc, char** argv)
         }
         QTextStream(stdout) << "Wrote " << file << " (" << grab->image().width() << "x"
                             << grab->image().height() << ").\n";
+        // A theme change rebuilds the views' blocks and deletes the old ones
+        // later; without an event loop running, they are deleted here, while
+        // the application still exists.
+        page.reset();
+        QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
     }
     if (warnings > 0) {
         QTextStream(stderr) << warnings << " warnings were logged while drawing the views.\n";

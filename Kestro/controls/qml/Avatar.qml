@@ -30,6 +30,9 @@ Rectangle {
         sourceSize.width: avatar.size * 2
         sourceSize.height: avatar.size * 2
         smooth: true
+        // Drawn off the GUI thread: a long list of faces opens without
+        // waiting for them.
+        asynchronous: true
     }
     Text {
         visible: avatar.robot.length === 0

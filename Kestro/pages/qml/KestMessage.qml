@@ -1,6 +1,5 @@
-// Delegates name this file's ids and take their data through required
-// properties.
-pragma ComponentBehavior: Bound
+// No bound components here: the parts made on demand are Loader components,
+// which Qt 6.4 refuses to create when bound to this file's context.
 import QtQuick
 import QtQuick.Controls.Basic
 import QtQuick.Layouts
@@ -103,16 +102,28 @@ FocusScope {
                 }
             }
 
-            Text {
-                visible: message.failed
+            // Parts a message may lack are made only when it has them: a
+            // long room opens faster, and a reload that adds one changes
+            // only that.
+            MessagePart {
+                owner: message
+                active: message.failed
+                visible: active
                 Layout.fillWidth: true
-                text: "Couldn't answer: " + message.text
-                textFormat: Text.PlainText
-                wrapMode: Text.Wrap
-                color: Theme.danger
-                font.family: Theme.sans
-                font.pixelSize: 14
+                sourceComponent: Component {
+                    Text {
+                        id: failedText
+                        readonly property var owner: (parent as MessagePart).owner
+                        text: "Couldn't answer: " + failedText.owner.text
+                        textFormat: Text.PlainText
+                        wrapMode: Text.Wrap
+                        color: Theme.danger
+                        font.family: Theme.sans
+                        font.pixelSize: 14
+                    }
+                }
             }
+
             Markdown {
                 visible: !message.failed
                 Layout.fillWidth: true
@@ -122,127 +133,166 @@ FocusScope {
             }
 
             // What the message cites.
-            Flow {
-                visible: message.cites.length > 0
+            MessagePart {
+                owner: message
+                active: message.cites.length > 0
+                visible: active
                 Layout.fillWidth: true
-                spacing: 4
-                Repeater {
-                    model: message.cites
-                    delegate: Rectangle {
-                        required property var modelData
-                        required property int index
-                        implicitWidth: citeText.implicitWidth + 14
-                        implicitHeight: 22
-                        radius: 11
-                        color: Theme.well
-                        border.color: Theme.border
-                        Accessible.role: Accessible.StaticText
-                        Accessible.name: "Source " + (index + 1) + ": " + modelData.title
-                        Text {
-                            id: citeText
-                            anchors.centerIn: parent
-                            text: (parent.index + 1) + "  " + parent.modelData.title
-                            textFormat: Text.PlainText
-                            color: Theme.muted
-                            font.family: Theme.sans
-                            font.pixelSize: 11
+                sourceComponent: Component {
+                    Flow {
+                        id: citeFlow
+                        readonly property var owner: (parent as MessagePart).owner
+                        spacing: 4
+                        Repeater {
+                            model: citeFlow.owner.cites
+                            delegate: Rectangle {
+                                required property var modelData
+                                required property int index
+                                implicitWidth: citeText.implicitWidth + 14
+                                implicitHeight: 22
+                                radius: 11
+                                color: Theme.well
+                                border.color: Theme.border
+                                Accessible.role: Accessible.StaticText
+                                Accessible.name: "Source " + (index + 1) + ": " + modelData.title
+                                Text {
+                                    id: citeText
+                                    anchors.centerIn: parent
+                                    text: (parent.index + 1) + "  " + parent.modelData.title
+                                    textFormat: Text.PlainText
+                                    color: Theme.muted
+                                    font.family: Theme.sans
+                                    font.pixelSize: 11
+                                }
+                            }
                         }
                     }
                 }
             }
 
             // The task the message is about.
-            AbstractButton {
-                id: taskChip
-                visible: message.taskKey.length > 0
-                implicitWidth: taskChip.contentItem.implicitWidth
-                implicitHeight: 26
-                hoverEnabled: true
-                focusPolicy: Qt.StrongFocus
-                Accessible.role: Accessible.Link
-                Accessible.name: message.taskKey + " " + message.taskTitle + ", " + message.taskStatus
-                Accessible.onPressAction: taskChip.clicked()
-                Keys.onReturnPressed: taskChip.clicked()
-                onClicked: message.linkOpened("/tasks/" + message.taskKey)
-                background: Rectangle {
-                    radius: 6
-                    color: taskChip.hovered ? Theme.selected : Theme.well
-                    border.width: taskChip.visualFocus ? 2 : 1
-                    border.color: taskChip.visualFocus ? Theme.accent : Theme.border
-                }
-                contentItem: Row {
-                    leftPadding: 8
-                    rightPadding: 8
-                    spacing: 6
-                    Icon { name: "list-checks"; size: 13; color: Theme.muted; anchors.verticalCenter: parent.verticalCenter }
-                    Text { text: message.taskKey; color: Theme.muted; font.family: Theme.mono; font.pixelSize: 12 }
-                    Text { text: message.taskTitle; textFormat: Text.PlainText; color: Theme.text; font.family: Theme.sans; font.pixelSize: 12 }
-                    Text { text: message.taskStatus.replace("_", " "); color: Theme.muted; font.family: Theme.sans; font.pixelSize: 12 }
-                    }
-            }
-
-            // Approvals the message's run raised.
-            LinkText {
-                visible: message.approvals.length > 0
-                text: message.approvals
-                size: 13
-                onClicked: message.linkOpened("/activity?view=you")
-            }
-
-            ReactionChips {
-                visible: message.reactions.length > 0
-                Layout.fillWidth: true
-                reactions: message.reactions
-                canReact: message.canReact
-                onToggled: emoji => message.reacted(message.key, emoji)
-                onAdding: from => message.addingReaction(message.key, from)
-            }
-
-            // The thread under a room message.
-            RowLayout {
-                visible: !message.inThread && (message.replies > 0 || message.answeringLine.length > 0)
-                spacing: 8
-                Row {
-                    spacing: -4
-                    Repeater {
-                        model: message.inThread ? [] : message.repliedBy
-                        delegate: Avatar {
-                            required property var modelData
-                            name: modelData.name
-                            robot: modelData.handle
-                            size: 18
+            MessagePart {
+                owner: message
+                active: message.taskKey.length > 0
+                visible: active
+                sourceComponent: Component {
+                    AbstractButton {
+                        id: taskChip
+                        readonly property var owner: (parent as MessagePart).owner
+                        implicitWidth: taskChip.contentItem.implicitWidth
+                        implicitHeight: 26
+                        hoverEnabled: true
+                        focusPolicy: Qt.StrongFocus
+                        Accessible.role: Accessible.Link
+                        Accessible.name: taskChip.owner.taskKey + " " + taskChip.owner.taskTitle + ", " + taskChip.owner.taskStatus
+                        Accessible.onPressAction: taskChip.clicked()
+                        Keys.onReturnPressed: taskChip.clicked()
+                        onClicked: taskChip.owner.linkOpened("/tasks/" + taskChip.owner.taskKey)
+                        background: Rectangle {
+                            radius: 6
+                            color: taskChip.hovered ? Theme.selected : Theme.well
+                            border.width: taskChip.visualFocus ? 2 : 1
+                            border.color: taskChip.visualFocus ? Theme.accent : Theme.border
+                        }
+                        contentItem: Row {
+                            leftPadding: 8
+                            rightPadding: 8
+                            spacing: 6
+                            Icon { name: "list-checks"; size: 13; color: Theme.muted; anchors.verticalCenter: parent.verticalCenter }
+                            Text { text: taskChip.owner.taskKey; color: Theme.muted; font.family: Theme.mono; font.pixelSize: 12 }
+                            Text { text: taskChip.owner.taskTitle; textFormat: Text.PlainText; color: Theme.text; font.family: Theme.sans; font.pixelSize: 12 }
+                            Text { text: taskChip.owner.taskStatus.replace("_", " "); color: Theme.muted; font.family: Theme.sans; font.pixelSize: 12 }
                         }
                     }
                 }
-                LinkText {
-                    visible: message.replies > 0
-                    text: message.repliesText
-                    strong: true
-                    Accessible.name: text + ", " + message.lastReply
-                    onClicked: message.linkOpened("/kest?thread=" + message.threadOf)
+            }
+
+            // Approvals the message's run raised.
+            MessagePart {
+                owner: message
+                active: message.approvals.length > 0
+                visible: active
+                sourceComponent: Component {
+                    LinkText {
+                        id: approvalsLink
+                        readonly property var owner: (parent as MessagePart).owner
+                        text: approvalsLink.owner.approvals
+                        size: 13
+                        onClicked: approvalsLink.owner.linkOpened("/activity?view=you")
+                    }
                 }
-                Text {
-                    visible: message.lastReply.length > 0
-                    text: message.lastReply
-                    color: Theme.muted
-                    font.family: Theme.sans
-                    font.pixelSize: 12
+            }
+
+            MessagePart {
+                owner: message
+                active: message.reactions.length > 0
+                visible: active
+                Layout.fillWidth: true
+                sourceComponent: Component {
+                    ReactionChips {
+                        id: reactionChips
+                        readonly property var owner: (parent as MessagePart).owner
+                        reactions: reactionChips.owner.reactions
+                        canReact: reactionChips.owner.canReact
+                        onToggled: emoji => reactionChips.owner.reacted(reactionChips.owner.key, emoji)
+                        onAdding: from => reactionChips.owner.addingReaction(reactionChips.owner.key, from)
+                    }
                 }
-                Orb {
-                    visible: message.answeringLine.length > 0
-                    state: "working"
-                }
-                Text {
-                    visible: message.answeringLine.length > 0
-                    text: message.answeringLine
-                    color: Theme.muted
-                    font.family: Theme.sans
-                    font.pixelSize: 12
-                }
-                LinkText {
-                    visible: message.replies > 0
-                    text: "Reply in thread"
-                    onClicked: message.linkOpened("/kest?thread=" + message.threadOf)
+            }
+
+            // The thread under a room message.
+            MessagePart {
+                owner: message
+                active: !message.inThread && (message.replies > 0 || message.answeringLine.length > 0)
+                visible: active
+                sourceComponent: Component {
+                    RowLayout {
+                        id: threadRow
+                        readonly property var owner: (parent as MessagePart).owner
+                        spacing: 8
+                        Row {
+                            spacing: -4
+                            Repeater {
+                                model: threadRow.owner.inThread ? [] : threadRow.owner.repliedBy
+                                delegate: Avatar {
+                                    required property var modelData
+                                    name: modelData.name
+                                    robot: modelData.handle
+                                    size: 18
+                                }
+                            }
+                        }
+                        LinkText {
+                            visible: threadRow.owner.replies > 0
+                            text: threadRow.owner.repliesText
+                            strong: true
+                            Accessible.name: text + ", " + threadRow.owner.lastReply
+                            onClicked: threadRow.owner.linkOpened("/kest?thread=" + threadRow.owner.threadOf)
+                        }
+                        Text {
+                            visible: threadRow.owner.lastReply.length > 0
+                            text: threadRow.owner.lastReply
+                            color: Theme.muted
+                            font.family: Theme.sans
+                            font.pixelSize: 12
+                        }
+                        Orb {
+                            visible: threadRow.owner.answeringLine.length > 0
+                            state: "working"
+                        }
+                        Text {
+                            visible: threadRow.owner.answeringLine.length > 0
+                            text: threadRow.owner.answeringLine
+                            color: Theme.muted
+                            font.family: Theme.sans
+                            font.pixelSize: 12
+                        }
+                        LinkText {
+                            visible: threadRow.owner.replies > 0
+                            text: "Reply in thread"
+                            onClicked: threadRow.owner.linkOpened("/kest?thread=" + threadRow.owner.threadOf)
+                        }
+                    }
                 }
             }
         }

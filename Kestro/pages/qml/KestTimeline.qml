@@ -40,15 +40,34 @@ ListView {
     cacheBuffer: 800
     activeFocusOnTab: true
     Accessible.role: Accessible.List
-    ScrollBar.vertical: ScrollBar { id: scrollBar }
+    ScrollBar.vertical: ScrollBar {
+        id: scrollBar
+        onPressedChanged: if (!scrollBar.pressed) timeline.remember()
+    }
 
     onCountChanged: if (timeline.stuck) stick.restart()
-    onMovementEnded: timeline.stuck = timeline.atYEnd
+    onMovementEnded: {
+        timeline.stuck = timeline.atYEnd
+        timeline.remember()
+    }
     // Only the user's own scrolling lets go of the newest message or takes
     // it back: a drag, a flick, the wheel, the scroll bar or the keys.
-    onContentYChanged: if (timeline.moving || scrollBar.pressed) timeline.stuck = timeline.atYEnd
-    onCurrentIndexChanged: if (timeline.activeFocus) timeline.stuck = timeline.currentIndex <= 0
-    onContentHeightChanged: if (timeline.stuck && !timeline.moving) stick.restart()
+    onContentYChanged: if (timeline.moving || scrollBar.pressed) {
+        timeline.stuck = timeline.atYEnd
+        timeline.anchorKey = ""
+    }
+    onCurrentIndexChanged: if (timeline.activeFocus) {
+        timeline.stuck = timeline.currentIndex <= 0
+        timeline.anchorKey = ""
+    }
+    // Rows keep settling after they are placed (their parts and text come
+    // in over a few frames): the row being read is put back each time.
+    onContentHeightChanged: {
+        if (timeline.stuck && !timeline.moving)
+            stick.restart()
+        else if (timeline.anchorKey.length > 0 && !timeline.moving && !scrollBar.pressed)
+            keep.restart()
+    }
 
     // A message that arrives while the user reads older ones is laid out
     // below them, which would push what they read up by its height: the
@@ -60,11 +79,7 @@ ListView {
         target: timeline.model
         ignoreUnknownSignals: true
         function onRowsAboutToBeInserted() {
-            const row = timeline.indexAt(timeline.width / 2, timeline.contentY + timeline.height / 2)
-            const item = row >= 0 ? timeline.itemAtIndex(row) : null
-            timeline.anchorKey = item && !timeline.stuck ? timeline.model.keyAt(row) : ""
-            if (item)
-                timeline.anchorOffset = item.y - timeline.contentY
+            timeline.remember()
         }
         function onRowsInserted() {
             if (timeline.anchorKey.length > 0 && !timeline.stuck)
@@ -81,6 +96,16 @@ ListView {
             if (item)
                 timeline.contentY = item.y - timeline.anchorOffset
         }
+    }
+
+    // The row across the middle of the view, and where it shows, while the
+    // user reads older messages.
+    function remember() {
+        const row = timeline.indexAt(timeline.width / 2, timeline.contentY + timeline.height / 2)
+        const item = row >= 0 ? timeline.itemAtIndex(row) : null
+        timeline.anchorKey = item && !timeline.stuck ? timeline.model.keyAt(row) : ""
+        if (item)
+            timeline.anchorOffset = item.y - timeline.contentY
     }
 
     // Back to the newest once the new rows are laid out.

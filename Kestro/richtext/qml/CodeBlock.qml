@@ -21,6 +21,10 @@ Rectangle {
     property bool copied: false
 
     readonly property var lines: CodeView.lines(code, lang, start, mark, bare, Theme.tones)
+    function tintColor(tint: string): color {
+        return tint === "marked" ? Theme.mark : tint === "added" ? Theme.added
+             : tint === "removed" ? Theme.removed : "transparent"
+    }
     implicitHeight: column.height
     height: implicitHeight
     radius: bare ? 0 : 8
@@ -68,20 +72,39 @@ Rectangle {
             }
         }
 
+        // Without line numbers the code is one text, each line a block
+        // tinted across the well: one item however long the code, and the
+        // selection runs across lines.
+        TextEdit {
+            visible: !block.numbers
+            width: parent.width
+            // The tints run to the well's right edge.
+            leftPadding: 12
+            bottomPadding: block.bare ? 0 : 8
+            topPadding: block.bare ? 0 : 2
+            wrapMode: TextEdit.WrapAtWordBoundaryOrAnywhere
+            readOnly: true
+            selectByMouse: true
+            textFormat: TextEdit.RichText
+            text: block.numbers ? "" : block.lines.map(line => "<p style=\"margin:0px;background-color:"
+                                                        + block.tintColor(line.tint) + "\">" + line.html + "</p>").join("")
+            color: block.danger ? Theme.danger : Theme.text
+            font.family: Theme.mono
+            font.pixelSize: 13
+        }
         Column {
+            visible: block.numbers
             width: parent.width
             bottomPadding: block.bare ? 0 : 8
             topPadding: block.bare ? 0 : 2
             Repeater {
-                model: block.lines
+                model: block.numbers ? block.lines : []
                 delegate: Rectangle {
                     id: line
                     required property var modelData
                     width: column.width
                     height: codeLine.height
-                    color: modelData.tint === "marked" ? Theme.mark
-                         : modelData.tint === "added" ? Theme.added
-                         : modelData.tint === "removed" ? Theme.removed : "transparent"
+                    color: block.tintColor(modelData.tint)
                     Row {
                         spacing: 12
                         leftPadding: 12

@@ -1,4 +1,5 @@
 import QtQuick
+import Kestro.Controls
 import Kestro.RichText
 
 // The one Markdown view: parses `text` into blocks and lays them out.
@@ -24,12 +25,15 @@ Item {
         citations: root.citations
         images: root.images
         embeds: root.embeds
+        size: root.document ? root.size + 1 : root.size
+        document: root.document
+        linkColor: Theme.link
     }
     MarkdownStack {
         id: stack
         width: root.width
         blocks: model.blocks
-        size: root.document ? root.size + 1 : root.size
+        size: model.size
         document: root.document
         onLinkClicked: link => {
             switch (model.linkTarget(link)) {

@@ -2,7 +2,8 @@ import QtQuick
 import Kestro.Controls
 import Kestro.RichText
 
-// One block: a heading, paragraph, code, quote, list, table or rule.
+// One block: a run of flowing text (headings, paragraphs and plain lists
+// together), or a heading, paragraph, code, quote, list, table or rule.
 Loader {
     id: view
     property var block: ({})
@@ -14,6 +15,7 @@ Loader {
 
     sourceComponent: {
         switch (block.kind) {
+        case "flow": return flow
         case "heading": return heading
         case "paragraph": return paragraph
         case "code": return code
@@ -29,6 +31,16 @@ Loader {
     // a component are out of the linter's sight, and binding these
     // components to this file's context would stop a 6.4 Loader from
     // creating them.
+    Component {
+        id: flow
+        Words {
+            id: flowWords
+            readonly property MarkdownBlockView host: parent as MarkdownBlockView
+            html: flowWords.host.block.html
+            size: flowWords.host.size
+            onLinkClicked: link => flowWords.host.linkClicked(link)
+        }
+    }
     Component {
         id: heading
         Words {
@@ -89,15 +101,26 @@ Loader {
             Rectangle {
                 width: 3
                 radius: 1.5
-                height: inner.height
+                height: quoteWords.visible ? quoteWords.height : inner.height
                 color: Theme.quoteBar
+            }
+            // A quote of plain text is one text item; one that holds code,
+            // a table or another quote stacks its blocks (loaded by name,
+            // for the recursion).
+            Words {
+                id: quoteWords
+                visible: quoteRow.host.block.html !== ""
+                width: quoteRow.host.width - 15
+                html: quoteRow.host.block.html
+                size: quoteRow.host.size
+                onLinkClicked: link => quoteRow.host.linkClicked(link)
             }
             Loader {
                 id: inner
+                visible: !quoteWords.visible
                 width: quoteRow.host.width - 15
-                // Quotes nest: the stack is loaded by name to allow the recursion.
-                Component.onCompleted: setSource("MarkdownStack.qml",
-                                                 { blocks: quoteRow.host.block.blocks, size: quoteRow.host.size })
+                Component.onCompleted: if (!quoteWords.visible)
+                    setSource("MarkdownStack.qml", { blocks: quoteRow.host.block.blocks, size: quoteRow.host.size })
                 onLoaded: {
                     item.width = Qt.binding(() => inner.width)
                     item.linkClicked.connect(quoteRow.host.linkClicked)

@@ -54,12 +54,22 @@ Column {
                     anchors.verticalCenter: parent.verticalCenter
                 }
             }
+            // An item of plain text is one text item; one that holds code or
+            // a quote stacks its blocks (loaded by name, for the recursion).
+            Words {
+                id: itemWords
+                visible: row.modelData.html !== ""
+                width: list.width - list.markerWidth - 8
+                html: row.modelData.html
+                size: list.size
+                onLinkClicked: link => list.linkClicked(link)
+            }
             Loader {
                 id: content
+                visible: !itemWords.visible
                 width: list.width - list.markerWidth - 8
-                // Items hold blocks, lists among them: loaded by name for the recursion.
-                Component.onCompleted: setSource("MarkdownStack.qml", {
-                    blocks: row.modelData.blocks, size: list.size, spacing: 4 })
+                Component.onCompleted: if (!itemWords.visible)
+                    setSource("MarkdownStack.qml", { blocks: row.modelData.blocks, size: list.size, spacing: 4 })
                 onLoaded: {
                     item.width = Qt.binding(() => content.width)
                     item.linkClicked.connect(list.linkClicked)

@@ -22,10 +22,8 @@ TextEdit {
     font.family: family
     font.pixelSize: size
     font.weight: bold ? Font.DemiBold : Font.Normal
-    // Links and code spans take the theme's link colour and the mono face.
-    text: html.replace(/<a href=/g, "<a style=\"color:" + Theme.link + ";text-decoration:underline\" href=")
-              .replace(/<code>/g, "<span style=\"font-family:'" + Theme.mono + "'\">")
-              .replace(/<\/code>/g, "</span>")
+    // The html comes styled (links, code spans) from the document model.
+    text: html
     onLinkActivated: link => words.linkClicked(link)
 
     HoverHandler {
