@@ -61,22 +61,25 @@ FocusScope {
         radius: 8
     }
 
-    RowLayout {
+    // Plain positioning rather than layouts: a long room has many of these.
+    Item {
         id: body
         x: 12
         y: 8
         width: message.width - 24
-        spacing: 10
+        implicitHeight: Math.max(face.y + face.height, column.implicitHeight)
 
         Avatar {
-            Layout.alignment: Qt.AlignTop
-            Layout.topMargin: 2
+            id: face
+            y: 2
             name: message.name
             robot: message.agent ? message.handle : ""
             size: 32
         }
-        ColumnLayout {
-            Layout.fillWidth: true
+        Column {
+            id: column
+            x: face.width + 10
+            width: body.width - x
             spacing: 4
 
             Row {
@@ -109,7 +112,7 @@ FocusScope {
                 owner: message
                 active: message.failed
                 visible: active
-                Layout.fillWidth: true
+                width: column.width
                 sourceComponent: Component {
                     Text {
                         id: failedText
@@ -126,7 +129,7 @@ FocusScope {
 
             Markdown {
                 visible: !message.failed
-                Layout.fillWidth: true
+                width: column.width
                 text: message.failed ? "" : message.text
                 citations: message.cites.length
                 onPathClicked: path => message.linkOpened(path)
@@ -137,7 +140,7 @@ FocusScope {
                 owner: message
                 active: message.cites.length > 0
                 visible: active
-                Layout.fillWidth: true
+                width: column.width
                 sourceComponent: Component {
                     Flow {
                         id: citeFlow
@@ -227,7 +230,7 @@ FocusScope {
                 owner: message
                 active: message.reactions.length > 0
                 visible: active
-                Layout.fillWidth: true
+                width: column.width
                 sourceComponent: Component {
                     ReactionChips {
                         id: reactionChips
