@@ -341,6 +341,11 @@ QVariantList MarkdownDocument::blocks() const
     return m_blocks;
 }
 
+QString MarkdownDocument::soleHtml() const
+{
+    return soleFlow(blocks());
+}
+
 void MarkdownDocument::rebuild()
 {
     m_dirty = true;

@@ -32,6 +32,10 @@ class MarkdownDocument : public QObject {
     // Links take the theme's colour ("#3b5bdb").
     Q_PROPERTY(QColor linkColor READ linkColor WRITE setLinkColor NOTIFY changed)
     Q_PROPERTY(QVariantList blocks READ blocks NOTIFY changed)
+    // The html when the whole text is one run of flowing text (most
+    // messages), else empty: the view then shows one text item and no
+    // stack of blocks.
+    Q_PROPERTY(QString soleHtml READ soleHtml NOTIFY changed)
 
 public:
     using QObject::QObject;
@@ -51,6 +55,7 @@ public:
     void setLinkColor(const QColor& color);
     void setDocument(bool document);
     QVariantList blocks() const;
+    QString soleHtml() const;
 
     // Where a click on a link goes: "anchor", "app" or "system".
     Q_INVOKABLE QString linkTarget(const QString& address) const;

@@ -62,6 +62,8 @@ private slots:
         for (const QVariant& block : document.blocks())
             got.append(block.toMap().value(u"kind"_s).toString());
         QCOMPARE(got, kinds);
+        // Text that is one run alone is shown as one text item.
+        QCOMPARE(!document.soleHtml().isEmpty(), kinds == QStringList{u"flow"_s});
     }
 
     void flowKeepsTheTextsStyleAndSpacing()

@@ -16,8 +16,16 @@ Item {
     signal anchorClicked(string anchor)
     signal pathClicked(string path)
 
-    implicitHeight: stack.implicitHeight
+    implicitHeight: sole.visible ? sole.implicitHeight : stack.implicitHeight
     height: implicitHeight
+
+    function open(link: string) {
+        switch (model.linkTarget(link)) {
+        case "anchor": root.anchorClicked(link); break
+        case "app": root.pathClicked(link); break
+        default: Qt.openUrlExternally(link)
+        }
+    }
 
     MarkdownDocument {
         id: model
@@ -29,18 +37,22 @@ Item {
         document: root.document
         linkColor: Theme.link
     }
+    // Most texts are one run of flowing text: one text item.
+    Words {
+        id: sole
+        visible: model.soleHtml.length > 0
+        width: root.width
+        html: model.soleHtml
+        size: model.size
+        onLinkClicked: link => root.open(link)
+    }
     MarkdownStack {
         id: stack
+        visible: model.soleHtml.length === 0
         width: root.width
-        blocks: model.blocks
+        blocks: model.soleHtml.length > 0 ? [] : model.blocks
         size: model.size
         document: root.document
-        onLinkClicked: link => {
-            switch (model.linkTarget(link)) {
-            case "anchor": root.anchorClicked(link); break
-            case "app": root.pathClicked(link); break
-            default: Qt.openUrlExternally(link)
-            }
-        }
+        onLinkClicked: link => root.open(link)
     }
 }
