@@ -26,20 +26,18 @@ Item {
         Component.onCompleted: chat.start()
         // Opening a thread, or going back to the list, the keyboard goes
         // to the composer.
-        onRouteChanged: focusSoon.restart()
+        onRouteChanged: arrival.request()
     }
     Connections {
         target: chat.loader
         function onStateChanged() {
             if (chat.loader.state === Loaded.Content)
-                focusSoon.restart()
+                arrival.request()
         }
     }
-    // Once the content shows: a hidden editor takes no keyboard.
-    Timer {
-        id: focusSoon
-        interval: 0
-        onTriggered: page.focusComposer()
+    ArrivalFocus {
+        id: arrival
+        onDue: page.focusComposer()
     }
     function focusComposer() {
         if (chat.loader.state === Loaded.Content)

@@ -35,14 +35,12 @@ Item {
         target: room.loader
         function onStateChanged() {
             if (room.loader.state === Loaded.Content)
-                focusSoon.restart()
+                arrival.request()
         }
     }
-    // Once the content shows: a hidden editor takes no keyboard.
-    Timer {
-        id: focusSoon
-        interval: 0
-        onTriggered: page.focusComposer()
+    ArrivalFocus {
+        id: arrival
+        onDue: page.focusComposer()
     }
     function focusComposer() {
         if (!page.canWrite)

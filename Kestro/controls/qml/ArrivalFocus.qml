@@ -1,0 +1,23 @@
+import QtQuick
+import QtQuick.Templates as T
+
+// Gives the keyboard to a page's composer once the page's content shows
+// (`request()`, then `due`), unless a popup holds it by then: a menu, the
+// bell or the palette that the user opened meanwhile keeps it.
+Item {
+    id: arrival
+    signal due()
+    function request() { soon.restart() }
+    function popupHoldsKeyboard(): bool {
+        for (let item = Window.activeFocusItem; item; item = item.parent)
+            if (item === T.Overlay.overlay)
+                return true
+        return false
+    }
+    // After the content shows: a hidden editor takes no keyboard.
+    Timer {
+        id: soon
+        interval: 0
+        onTriggered: if (!arrival.popupHoldsKeyboard()) arrival.due()
+    }
+}
