@@ -9,6 +9,7 @@
 
 #include <QJsonObject>
 #include <QPointer>
+#include <QRegularExpression>
 
 namespace Kestro {
 
@@ -190,7 +191,8 @@ QString DirectChatPage::threadFailure() const
         return QStringLiteral("Saved before the reply stopped");
     // A sentence that says what went wrong and what to do next.
     QString why = m_data.thread->error.value_or(QString()).trimmed();
-    if (!why.isEmpty() && !why.endsWith(QLatin1Char('.')))
+    static const QRegularExpression ended(QStringLiteral("[.!?]$"));
+    if (!why.isEmpty() && !ended.match(why).hasMatch())
         why += QLatin1Char('.');
     return QStringLiteral("%1's reply failed%2 Send your message again to have another go.")
         .arg(m_data.agent.name, why.isEmpty() ? QStringLiteral(".") : QStringLiteral(": ") + why);
@@ -287,10 +289,15 @@ void DirectChatPage::send()
         setSendState({}, QStringLiteral("Tell us what you need first, then press Send."), false);
         return;
     }
-    post(m_text, m_data.thread ? m_data.thread->id : QString(), m_data.agent.handle, working());
+    // The thread is the route's: the last answer may still be the thread
+    // the user just left.
+    const QString thread = threadId();
+    const bool handing = working() && m_data.thread && m_data.thread->id == thread;
+    post(m_text, thread, route().segments.value(1), handing, place());
 }
 
-QCoro::Task<> DirectChatPage::post(QString text, QString threadId, QString handle, bool handing)
+QCoro::Task<> DirectChatPage::post(QString text, QString threadId, QString handle, bool handing,
+                                   QString sentFrom)
 {
     QPointer<DirectChatPage> self(this);
     setSendState({}, {}, true);
@@ -314,13 +321,18 @@ QCoro::Task<> DirectChatPage::post(QString text, QString threadId, QString handl
     }
     if (!self)
         co_return;
+    // What was sent leaves the place it was sent from, and the sentence
+    // under the composer belongs there too, even if the user moved on.
+    const bool here = place() == sentFrom;
     if (!failure.isEmpty()) {
-        setSendState({}, failure, false);
+        setSendState({}, here ? failure : QString(), false);
         co_return;
     }
-    if (m_text == text)
+    if (Drafts::of(sentFrom) == text)
+        Drafts::keep(sentFrom, {});
+    if (here && m_text == text)
         setText({});
-    setSendState(handing ? QStringLiteral("Handed to the reply in progress.") : QString(), {}, false);
+    setSendState(here && handing ? QStringLiteral("Handed to the reply in progress.") : QString(), {}, false);
     // A new thread opens; a reply shows with the next load, now.
     if (!opened.isEmpty())
         open(QStringLiteral("/kest/%1/chat/%2").arg(handle, opened));

@@ -105,7 +105,7 @@ protected:
     bool loadsFor(const Route& from, const Route& to) const override;
 
 private:
-    QCoro::Task<> post(QString text, QString threadId, QString handle, bool handing);
+    QCoro::Task<> post(QString text, QString threadId, QString handle, bool handing, QString sentFrom);
     void setSendState(QString note, QString error, bool pending);
     QString threadId() const;
     QString place() const;

@@ -51,7 +51,7 @@ void KestComposer::send()
         setState({}, QStringLiteral("Tell us what you need first, then press Send."), false);
         return;
     }
-    post(m_text, m_inThread ? m_page->threadId() : QString());
+    post(m_text, m_inThread ? m_page->threadId() : QString(), place());
 }
 
 QString KestComposer::place() const
@@ -75,7 +75,7 @@ KestComposer::Outcome KestComposer::outcomeOf(const Calls::app::PostKestMessageA
     return outcome;
 }
 
-QCoro::Task<> KestComposer::post(QString text, QString threadId)
+QCoro::Task<> KestComposer::post(QString text, QString threadId, QString sentFrom)
 {
     QPointer<KestComposer> self(this);
     setState({}, {}, true);
@@ -94,16 +94,21 @@ QCoro::Task<> KestComposer::post(QString text, QString threadId)
         co_return;
     if (failure.isEmpty() && result.error && !result.error->isEmpty())
         failure = *result.error;
+    // The sentence and the clearing belong to the place the text was sent
+    // from: the user may have opened another thread meanwhile.
+    const bool here = place() == sentFrom;
     if (!failure.isEmpty()) {
         // The text stays, so the user can send it again.
-        setState({}, failure, false);
+        setState({}, here ? failure : QString(), false);
         co_return;
     }
     const Outcome outcome = outcomeOf(result, m_page->result().kest, m_inThread);
+    if (Drafts::of(sentFrom) == text)
+        Drafts::keep(sentFrom, {});
     // Only what was sent goes: words typed meanwhile stay.
-    if (m_text == text)
+    if (here && m_text == text)
         setText({});
-    setState(outcome.note, {}, false);
+    setState(here ? outcome.note : QString(), {}, false);
     // Opening the thread loads the page anew; otherwise load it now, so the
     // message and the first answers show.
     if (!outcome.open.isEmpty())

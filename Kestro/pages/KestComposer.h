@@ -60,7 +60,7 @@ signals:
     void stateChanged();
 
 private:
-    QCoro::Task<> post(QString text, QString threadId);
+    QCoro::Task<> post(QString text, QString threadId, QString sentFrom);
     void setState(QString note, QString error, bool pending);
 
     KestRoomPage* m_page;

@@ -1,5 +1,6 @@
 #include "AppModel.h"
 
+#include "Drafts.h"
 #include "MainThread.h"
 #include "Router.h"
 
@@ -162,6 +163,7 @@ void AppModel::signOut()
     emit frameChanged();
     setFrameError({});
     m_pendingLinks.clear();
+    Drafts::clear();
     m_changeTimer.stop();
     m_router.reset(Route::parse(startPath));
     if (m_desktop.clearBadge)
@@ -208,6 +210,8 @@ QCoro::Task<> AppModel::runSwitch(QString id)
         setSwitchError(failure);
         co_return;
     }
+    // Words typed in one workspace's chats are not for the other's.
+    Drafts::clear();
     co_await loadFrame();
 }
 

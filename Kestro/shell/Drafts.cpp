@@ -28,4 +28,10 @@ void keep(const QString& place, const QString& text)
         store().insert(place, text);
 }
 
+void clear()
+{
+    requireMainThread("Drafts::clear");
+    store().clear();
+}
+
 } // namespace Kestro::Drafts

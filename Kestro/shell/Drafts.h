@@ -13,6 +13,8 @@ namespace Drafts {
 QString of(const QString& place);
 // An empty or blank text forgets the place.
 void keep(const QString& place, const QString& text);
+// Forgets every place: another workspace or user must not see the words.
+void clear();
 
 } // namespace Drafts
 

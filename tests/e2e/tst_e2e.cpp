@@ -371,7 +371,11 @@ private slots:
         click(u"bellButton"_s);
         QTRY_VERIFY(find(u"bellPopup"_s) && find(u"bellPopup"_s)->property("opened").toBool());
         QTRY_VERIFY_WITH_TIMEOUT(showing(u"roomTimeline"_s), 20000);
+        QTest::qWait(100);
         QVERIFY(!typingGoesTo(u"kestPrompt"_s));
+        QQuickItem* popup = find(u"bellPopup"_s)->property("contentItem").value<QQuickItem*>()->parentItem();
+        QQuickItem* focused = window()->activeFocusItem();
+        QVERIFY(popup && focused && (focused == popup || popup->isAncestorOf(focused)));
         QTest::qWait(500);
         shoot(u"bell"_s);
         QTest::keyClick(window(), Qt::Key_Escape);

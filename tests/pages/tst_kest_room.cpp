@@ -12,6 +12,7 @@
 #include "pages/KestRoomPage.h"
 #include "pages/KestWords.h"
 #include "pages/RunPage.h"
+#include "shell/Drafts.h"
 #include "shell/PageCatalog.h"
 #include "shell/Router.h"
 
@@ -163,10 +164,16 @@ private slots:
         again.setRoute(Route::parse(u"/kest?thread=b"_s));
         QCOMPARE(again.composer()->text(), u"for the room"_s);
         QCOMPARE(again.threadComposer()->text(), u"for thread b"_s);
-        // A sent or emptied text is forgotten.
+        // An emptied text is forgotten.
         again.composer()->setText(u"  "_s);
         KestRoomPage third;
         QCOMPARE(third.composer()->text(), QString());
+        // Signing out or switching workspace forgets them all.
+        Drafts::clear();
+        KestRoomPage fourth;
+        fourth.setRouter(m_router.get());
+        fourth.setRoute(Route::parse(u"/kest?thread=b"_s));
+        QCOMPARE(fourth.threadComposer()->text(), QString());
 
         // The one-to-one chat keeps the new-thread words apart from a thread's.
         DirectChatPage chat;

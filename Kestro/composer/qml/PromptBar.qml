@@ -60,11 +60,13 @@ FocusScope {
         // (Qt 6.4 describes Qt.inputMethod to the linter as a bare QObject,
         // hence the disable comments on its calls.)
         Qt.inputMethod.commit() // qmllint disable
-        if (bar.pending || bar.disabled || (bar.value.trim().length === 0 && !bar.explainsEmpty))
+        if (bar.pending || bar.disabled || bar.notice.length > 0
+                || (bar.value.trim().length === 0 && !bar.explainsEmpty))
             return
         bar.send(bar.value)
     }
-    function focusEditor() { area.forceActiveFocus() }
+    // A read-only bar (its notice shows) takes no keyboard.
+    function focusEditor() { if (bar.notice.length === 0) area.forceActiveFocus() }
     Component.onCompleted: if (bar.autoFocus) bar.focusEditor()
 
     PromptBarModel {

@@ -14,7 +14,7 @@ Item {
                 return true
         return false
     }
-    // After the content shows: a hidden editor takes no keyboard.
+    // After the content shows, so the editor is on screen when it gets it.
     Timer {
         id: soon
         interval: 0

@@ -274,6 +274,7 @@ Item {
                 Layout.fillWidth: true
                 Layout.leftMargin: 24
                 text: chat.threadFailure
+                textFormat: Text.PlainText
                 wrapMode: Text.Wrap
                 color: Theme.danger
                 font.family: Theme.sans
@@ -285,10 +286,13 @@ Item {
                 Layout.leftMargin: 24
                 Layout.rightMargin: 24
                 spacing: 2
-                // The trace under it offers "Watch the steps": one link, not two.
+                // Once a trace shows, it offers "Watch the steps": one link,
+                // not two; before, the working line does.
                 Working {
                     label: chat.workingLine
                     since: chat.workingSince
+                    href: chat.trace ? "" : chat.runHref
+                    onOpened: href => chat.open(href)
                 }
                 TraceView {
                     Layout.fillWidth: true

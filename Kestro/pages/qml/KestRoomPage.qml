@@ -29,7 +29,7 @@ Item {
         Component.onCompleted: room.start()
         // Arriving, the keyboard goes to the composer the user will write
         // in: the open thread's, else the room's.
-        onThreadIdChanged: page.focusComposer()
+        onThreadIdChanged: arrival.request()
     }
     Connections {
         target: room.loader
@@ -181,9 +181,17 @@ Item {
                     onClicked: room.dismissReactionError()
                 }
                 Timer {
+                    id: reactionErrorTimer
                     interval: 8000
-                    running: room.reactionError.length > 0
                     onTriggered: room.dismissReactionError()
+                }
+                // Each new refusal gets its own 8 s.
+                Connections {
+                    target: room
+                    function onReactionErrorChanged() {
+                        if (room.reactionError.length > 0)
+                            reactionErrorTimer.restart()
+                    }
                 }
             }
 

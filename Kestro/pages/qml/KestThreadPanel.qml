@@ -14,13 +14,12 @@ Rectangle {
     property string access
     property bool canReact: false
     signal addingReaction(string messageId, Item from)
-    // Called when the thread opens; waits for the panel to show, since a
-    // hidden editor cannot take the keyboard.
+    // Called when the thread opens; waits for the panel to show, so the
+    // keyboard is not in an editor no one sees.
     function focusComposer() {
+        focusOnShow = !visible
         if (visible)
             threadComposer.editor.focusEditor()
-        else
-            focusOnShow = true
     }
     property bool focusOnShow: false
     onVisibleChanged: if (visible && focusOnShow) {
@@ -106,6 +105,7 @@ Rectangle {
         }
         KestComposerBar {
             id: threadComposer
+            promptName: "threadPrompt"
             Layout.fillWidth: true
             Layout.margins: 12
             composer: panel.room.threadComposer

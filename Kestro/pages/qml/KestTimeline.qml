@@ -56,14 +56,16 @@ ListView {
         timeline.stuck = timeline.atYEnd
         timeline.anchorKey = ""
     }
-    onCurrentIndexChanged: if (timeline.activeFocus) {
+    // The keyboard's moves, not a row arriving (which shifts the current
+    // index too), decide whether the view follows the newest message.
+    onCurrentIndexChanged: if (timeline.activeFocus && !timeline.inserting) {
         timeline.stuck = timeline.currentIndex <= 0
         timeline.anchorKey = ""
     }
     // Rows keep settling after they are placed (their parts and text come
     // in over a few frames): the row being read is put back each time.
     onContentHeightChanged: {
-        if (timeline.stuck && !timeline.moving)
+        if (timeline.stuck && !timeline.moving && !scrollBar.pressed)
             stick.restart()
         else if (timeline.anchorKey.length > 0 && !timeline.moving && !scrollBar.pressed)
             keep.restart()
@@ -75,13 +77,16 @@ ListView {
     // and put back where it was after.
     property string anchorKey
     property real anchorOffset: 0
+    property bool inserting: false
     Connections {
         target: timeline.model
         ignoreUnknownSignals: true
         function onRowsAboutToBeInserted() {
+            timeline.inserting = true
             timeline.remember()
         }
         function onRowsInserted() {
+            timeline.inserting = false
             if (timeline.anchorKey.length > 0 && !timeline.stuck)
                 keep.restart()
         }
@@ -93,8 +98,10 @@ ListView {
         onTriggered: {
             timeline.forceLayout()
             const item = timeline.itemAtIndex(timeline.model.indexOf(timeline.anchorKey))
-            if (item)
+            if (item && !timeline.moving) {
                 timeline.contentY = item.y - timeline.anchorOffset
+                timeline.returnToBounds()
+            }
         }
     }
 

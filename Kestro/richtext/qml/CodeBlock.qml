@@ -21,6 +21,9 @@ Rectangle {
     property bool copied: false
 
     readonly property var lines: CodeView.lines(code, lang, start, mark, bare, Theme.tones)
+    // Line numbers and tinted lines (a diff, a marked line) need a row per
+    // line, tinted across the whole well; other code is one text.
+    readonly property bool perLine: numbers || lines.some(line => line.tint !== "")
     function tintColor(tint: string): color {
         return tint === "marked" ? Theme.mark : tint === "added" ? Theme.added
              : tint === "removed" ? Theme.removed : "transparent"
@@ -72,33 +75,33 @@ Rectangle {
             }
         }
 
-        // Without line numbers the code is one text, each line a block
-        // tinted across the well: one item however long the code, and the
+        // Plain code is one text: one item however long the code, and the
         // selection runs across lines.
         TextEdit {
-            visible: !block.numbers
+            visible: !block.perLine
             width: parent.width
-            // The tints run to the well's right edge.
             leftPadding: 12
+            rightPadding: 12
             bottomPadding: block.bare ? 0 : 8
             topPadding: block.bare ? 0 : 2
             wrapMode: TextEdit.WrapAtWordBoundaryOrAnywhere
             readOnly: true
             selectByMouse: true
             textFormat: TextEdit.RichText
-            text: block.numbers ? "" : block.lines.map(line => "<p style=\"margin:0px;background-color:"
-                                                        + block.tintColor(line.tint) + "\">" + line.html + "</p>").join("")
+            // An empty line needs a character, or rich text drops it.
+            text: block.perLine ? "" : block.lines.map(line => "<p style=\"margin:0px\">"
+                                                        + (line.html.length > 0 ? line.html : "&nbsp;") + "</p>").join("")
             color: block.danger ? Theme.danger : Theme.text
             font.family: Theme.mono
             font.pixelSize: 13
         }
         Column {
-            visible: block.numbers
+            visible: block.perLine
             width: parent.width
             bottomPadding: block.bare ? 0 : 8
             topPadding: block.bare ? 0 : 2
             Repeater {
-                model: block.numbers ? block.lines : []
+                model: block.perLine ? block.lines : []
                 delegate: Rectangle {
                     id: line
                     required property var modelData

@@ -16,7 +16,9 @@ Item {
     signal anchorClicked(string anchor)
     signal pathClicked(string path)
 
-    implicitHeight: sole.visible ? sole.implicitHeight : stack.implicitHeight
+    // Read from the data, not from `visible`, which a hidden parent turns off.
+    readonly property bool flowsAlone: model.soleHtml.length > 0
+    implicitHeight: flowsAlone ? sole.implicitHeight : stack.implicitHeight
     height: implicitHeight
 
     function open(link: string) {
@@ -40,7 +42,7 @@ Item {
     // Most texts are one run of flowing text: one text item.
     Words {
         id: sole
-        visible: model.soleHtml.length > 0
+        visible: root.flowsAlone
         width: root.width
         html: model.soleHtml
         size: model.size
@@ -48,9 +50,9 @@ Item {
     }
     MarkdownStack {
         id: stack
-        visible: model.soleHtml.length === 0
+        visible: !root.flowsAlone
         width: root.width
-        blocks: model.soleHtml.length > 0 ? [] : model.blocks
+        blocks: root.flowsAlone ? [] : model.blocks
         size: model.size
         document: root.document
         onLinkClicked: link => root.open(link)

@@ -3,7 +3,8 @@ import Kestro.Controls
 import Kestro.RichText
 
 // One block: a run of flowing text (headings, paragraphs and plain lists
-// together), or a heading, paragraph, code, quote, list, table or rule.
+// together), or a paragraph with embedded posts, code, a quote, a list, a
+// table or a rule.
 Loader {
     id: view
     property var block: ({})
@@ -11,12 +12,9 @@ Loader {
     property bool document: false
     signal linkClicked(string link)
 
-    readonly property var headingSizes: [1.75, 1.45, 1.25, 1.1, 1.0, 0.95]
-
     sourceComponent: {
         switch (block.kind) {
         case "flow": return flow
-        case "heading": return heading
         case "paragraph": return paragraph
         case "code": return code
         case "quote": return quote
@@ -39,19 +37,6 @@ Loader {
             html: flowWords.host.block.html
             size: flowWords.host.size
             onLinkClicked: link => flowWords.host.linkClicked(link)
-        }
-    }
-    Component {
-        id: heading
-        Words {
-            id: headingWords
-            readonly property MarkdownBlockView host: parent as MarkdownBlockView
-            html: headingWords.host.block.html
-            family: headingWords.host.block.level <= 2 ? Theme.display : Theme.sans
-            bold: true
-            size: headingWords.host.size * headingWords.host.headingSizes[headingWords.host.block.level - 1]
-            topPadding: headingWords.host.document ? 6 : 2
-            onLinkClicked: link => headingWords.host.linkClicked(link)
         }
     }
     Component {
@@ -101,7 +86,7 @@ Loader {
             Rectangle {
                 width: 3
                 radius: 1.5
-                height: quoteWords.visible ? quoteWords.height : inner.height
+                height: quoteRow.host.block.html !== "" ? quoteWords.height : inner.height
                 color: Theme.quoteBar
             }
             // A quote of plain text is one text item; one that holds code,
@@ -119,7 +104,7 @@ Loader {
                 id: inner
                 visible: !quoteWords.visible
                 width: quoteRow.host.width - 15
-                Component.onCompleted: if (!quoteWords.visible)
+                Component.onCompleted: if (quoteRow.host.block.html === "")
                     setSource("MarkdownStack.qml", { blocks: quoteRow.host.block.blocks, size: quoteRow.host.size })
                 onLoaded: {
                     item.width = Qt.binding(() => inner.width)

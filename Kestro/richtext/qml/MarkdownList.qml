@@ -68,7 +68,7 @@ Column {
                 id: content
                 visible: !itemWords.visible
                 width: list.width - list.markerWidth - 8
-                Component.onCompleted: if (!itemWords.visible)
+                Component.onCompleted: if (row.modelData.html === "")
                     setSource("MarkdownStack.qml", { blocks: row.modelData.blocks, size: list.size, spacing: 4 })
                 onLoaded: {
                     item.width = Qt.binding(() => content.width)
