@@ -4,6 +4,9 @@
 # approves by itself), opens the app, goes to the place with its chord
 # (1 Home, 2 Needs you, 3 Tasks, 4 Kest chat), waits for it to settle and
 # counts the CPU the app takes over SECONDS, per thread when it takes any.
+# With ANSWERING=1 a message to everyone is posted first, so the count is
+# taken while teammates answer it (their orbs turn, the room reloads every
+# 2 s) rather than at rest.
 # Run under a display, e.g.:
 #   xvfb-run -a -s "-screen 0 1440x900x24" scripts/headless-session bench/idle_cpu.sh 4 60
 set -euo pipefail
@@ -28,6 +31,10 @@ app=$!
 sleep 10
 window=$(xdotool search --onlyvisible --pid $app | tail -1)
 xdotool windowfocus --sync "$window" key "ctrl+shift+$place"
+if [ "${ANSWERING:-0}" = 1 ]; then
+  "$build/tools/kestroctl/kestroctl" --origin $origin call app postKestMessageAction \
+    '{"text":"@all which launch should we do first, and why?"}' >/dev/null
+fi
 sleep 10
 
 ticks() { for t in /proc/$app/task/*; do echo "$(basename "$t") $(cat "$t/comm" | tr ' ' _) $(awk '{print $14+$15}' "$t/stat")"; done | sort; }

@@ -16,6 +16,11 @@ Item {
                                 : state === "waiting" ? Theme.busy
                                 : state === "idle" ? Theme.muted : Theme.accent
 
+    Pulsing {
+        id: breath
+        active: orb.state === "working" && !orb.paused && !Theme.reduceMotion && orb.visible
+    }
+    // Breathes on the shared slow clock: 13 steps in and out.
     Rectangle {
         id: halo
         anchors.centerIn: parent
@@ -23,14 +28,7 @@ Item {
         height: width
         radius: width / 2
         color: orb.tint
-        opacity: 0
-    }
-    SequentialAnimation {
-        running: orb.state === "working" && !orb.paused && !Theme.reduceMotion && orb.visible
-        loops: Animation.Infinite
-        onStopped: halo.opacity = 0
-        NumberAnimation { target: halo; property: "opacity"; from: 0; to: 0.28; duration: 700; easing.type: Easing.OutQuad }
-        NumberAnimation { target: halo; property: "opacity"; from: 0.28; to: 0; duration: 900; easing.type: Easing.InQuad }
+        opacity: breath.active ? 0.28 * Math.sin(Math.PI * (Pulse.tick % 13) / 13) : 0
     }
     Rectangle {
         anchors.centerIn: parent
