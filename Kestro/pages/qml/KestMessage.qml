@@ -248,6 +248,8 @@ FocusScope {
                 owner: message
                 active: !message.inThread && (message.replies > 0 || message.answeringLine.length > 0)
                 visible: active
+                // As wide as the message, so a long answering line is cut short.
+                width: column.width
                 sourceComponent: Component {
                     RowLayout {
                         id: threadRow
@@ -285,7 +287,11 @@ FocusScope {
                         }
                         Text {
                             visible: threadRow.owner.answeringLine.length > 0
+                            Layout.fillWidth: true
+                            Layout.minimumWidth: 40
+                            Layout.maximumWidth: implicitWidth
                             text: threadRow.owner.answeringLine
+                            elide: Text.ElideRight
                             color: Theme.muted
                             font.family: Theme.sans
                             font.pixelSize: 12
