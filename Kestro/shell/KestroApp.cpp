@@ -30,8 +30,8 @@
 #include <QGuiApplication>
 #include <QQmlApplicationEngine>
 #include <QQuickStyle>
-#include <QStyleHints>
 #include <QQuickWindow>
+#include <QStyleHints>
 #include <QTextStream>
 #include <QtQml/qqmlextensionplugin.h>
 
