@@ -1,7 +1,8 @@
 // The room's timeline on screen, fed by the room's model: a reload with
 // nothing new keeps every delegate, a new message while the user reads
-// older ones does not move what they read, and one that arrives while they
-// are at the newest message shows at once.
+// older ones does not move what they read, one that arrives while they
+// are at the newest message shows at once, and a citation in a message
+// points at its source.
 
 #include "pages/KestRoomPage.h"
 #include "shell/IconProvider.h"
@@ -138,6 +139,16 @@ private slots:
         QVERIFY(QMetaObject::invokeMethod(m_list, "forceLayout"));
         QTRY_COMPARE(shownAt(read), at);
         QVERIFY(m_list->property("atYEnd").toBool() == false);
+    }
+
+    void aCitationPointsAtItsSource()
+    {
+        QQuickItem* newest = delegateFor(u"m0199"_s);
+        QVERIFY(newest);
+        QObject* text = newest->findChild<QObject*>(u"messageText"_s);
+        QVERIFY(text);
+        QVERIFY(QMetaObject::invokeMethod(text, "anchorClicked", Q_ARG(QString, u"#source-2"_s)));
+        QCOMPARE(newest->property("pointedCite").toInt(), 1);
     }
 
     void aNewMessageShowsWhenTheUserIsAtTheNewest()

@@ -40,6 +40,13 @@ FocusScope {
     property bool inThread: false
     property bool canReact: false
     readonly property bool hovered: hover.hovered
+    // The source a citation in the text was clicked for, lit for a moment.
+    property int pointedCite: -1
+    Timer {
+        id: pointedCiteTimer
+        interval: 1600
+        onTriggered: message.pointedCite = -1
+    }
     signal linkOpened(string path)
     signal reacted(string messageId, string emoji)
     signal addingReaction(string messageId, Item from)
@@ -128,11 +135,17 @@ FocusScope {
             }
 
             Markdown {
+                objectName: "messageText"
                 visible: !message.failed
                 width: column.width
                 text: message.failed ? "" : message.text
                 citations: message.cites.length
                 onPathClicked: path => message.linkOpened(path)
+                // "[2]" in the text points at the second source under it.
+                onAnchorClicked: anchor => {
+                    message.pointedCite = parseInt(anchor.replace("#source-", ""), 10) - 1
+                    pointedCiteTimer.restart()
+                }
             }
 
             // What the message cites.
@@ -147,15 +160,18 @@ FocusScope {
                         readonly property var owner: (parent as MessagePart).owner
                         spacing: 4
                         Repeater {
-                            model: citeFlow.owner.cites
+                            // Each source, with whether a citation just pointed at it.
+                            model: citeFlow.owner.cites.map((cite, at) => ({
+                                title: cite.title, pointed: at === citeFlow.owner.pointedCite }))
                             delegate: Rectangle {
                                 required property var modelData
                                 required property int index
                                 implicitWidth: citeText.implicitWidth + 14
                                 implicitHeight: 22
                                 radius: 11
-                                color: Theme.well
-                                border.color: Theme.border
+                                color: modelData.pointed ? Theme.selected : Theme.well
+                                border.width: modelData.pointed ? 2 : 1
+                                border.color: modelData.pointed ? Theme.accent : Theme.border
                                 Accessible.role: Accessible.StaticText
                                 Accessible.name: "Source " + (index + 1) + ": " + modelData.title
                                 Text {
