@@ -28,19 +28,13 @@ Item {
         // to the composer.
         onRouteChanged: arrival.request()
     }
-    Connections {
-        target: chat.loader
-        function onStateChanged() {
-            if (chat.loader.state === Loaded.Content)
-                arrival.request()
-        }
-    }
     ArrivalFocus {
         id: arrival
+        ready: chat.loader.state === Loaded.Content
         onDue: page.focusComposer()
     }
     function focusComposer() {
-        if (chat.loader.state === Loaded.Content)
+        if (arrival.ready)
             chatComposer.editor.focusEditor()
     }
 

@@ -31,15 +31,9 @@ Item {
         // in: the open thread's, else the room's.
         onThreadIdChanged: arrival.request()
     }
-    Connections {
-        target: room.loader
-        function onStateChanged() {
-            if (room.loader.state === Loaded.Content)
-                arrival.request()
-        }
-    }
     ArrivalFocus {
         id: arrival
+        ready: room.loader.state === Loaded.Content
         onDue: page.focusComposer()
     }
     function focusComposer() {
