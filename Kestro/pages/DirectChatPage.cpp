@@ -1,7 +1,6 @@
 #include "DirectChatPage.h"
 
 #include "KestWords.h"
-#include "shell/Drafts.h"
 #include "shell/RelativeTime.h"
 
 #include "calls/app.h"
@@ -106,6 +105,8 @@ DirectChatPage::DirectChatPage(QObject* parent, Timers& timers)
            {"threadOf", [](const MessageView&) { return QVariant(QString()); }}},
           this))
 {
+    connect(&m_compose, &ComposerPlace::textChanged, this, &DirectChatPage::textChanged);
+    connect(&m_compose, &ComposerPlace::stateChanged, this, &DirectChatPage::sendChanged);
     connect(this, &PageModel::routeChanged, this, &DirectChatPage::followPlace);
 }
 
@@ -250,15 +251,6 @@ QString DirectChatPage::hint() const
     return QStringLiteral("Goes to %1, or @ someone else").arg(m_data.agent.name);
 }
 
-void DirectChatPage::setText(const QString& text)
-{
-    if (text == m_text)
-        return;
-    m_text = text;
-    Drafts::keep(m_place, text);
-    emit textChanged();
-}
-
 QString DirectChatPage::place() const
 {
     return QStringLiteral("chat/%1/%2").arg(route().segments.value(1), threadId());
@@ -266,14 +258,9 @@ QString DirectChatPage::place() const
 
 void DirectChatPage::followPlace()
 {
-    // Each thread, and the new-thread composer, keeps its own words; the
-    // last send's note belongs to where it was sent.
-    const QString place = this->place();
-    if (place == m_place)
-        return;
-    m_place = place;
-    setText(Drafts::of(place));
-    setSendState({}, {}, m_pending);
+    // Each thread, and the new-thread composer, keeps its own words and the
+    // outcome of its last send.
+    m_compose.setPlace(place());
 }
 
 QString DirectChatPage::threadId() const
@@ -283,24 +270,19 @@ QString DirectChatPage::threadId() const
 
 void DirectChatPage::send()
 {
-    if (m_pending)
-        return;
-    if (m_text.trimmed().isEmpty()) {
-        setSendState({}, QStringLiteral("Tell us what you need first, then press Send."), false);
-        return;
-    }
     // The thread is the route's: the last answer may still be the thread
     // the user just left.
     const QString thread = threadId();
     const bool handing = working() && m_data.thread && m_data.thread->id == thread;
-    post(m_text, thread, route().segments.value(1), handing, place());
+    if (const std::optional<QString> text = m_compose.begin())
+        post(*text, thread, route().segments.value(1), handing, place());
 }
 
 QCoro::Task<> DirectChatPage::post(QString text, QString threadId, QString handle, bool handing,
                                    QString sentFrom)
 {
     QPointer<DirectChatPage> self(this);
-    setSendState({}, {}, true);
+    const Route sentAt = route();
     QString failure;
     QString opened;
     try {
@@ -319,35 +301,17 @@ QCoro::Task<> DirectChatPage::post(QString text, QString threadId, QString handl
     } catch (const std::exception& error) {
         failure = describeError(error);
     }
-    if (!self)
-        co_return;
     // What was sent leaves the place it was sent from, and the sentence
-    // under the composer belongs there too, even if the user moved on.
-    const bool here = place() == sentFrom;
-    if (!failure.isEmpty()) {
-        setSendState({}, here ? failure : QString(), false);
+    // under the composer belongs there too, even if the page is gone.
+    ComposerPlace::finish(sentFrom, text, failure,
+                          handing ? QStringLiteral("Handed to the reply in progress.") : QString());
+    if (!failure.isEmpty() || !self || self->route() != sentAt)
         co_return;
-    }
-    if (Drafts::of(sentFrom) == text)
-        Drafts::keep(sentFrom, {});
-    if (here && m_text == text)
-        setText({});
-    setSendState(here && handing ? QStringLiteral("Handed to the reply in progress.") : QString(), {}, false);
     // A new thread opens; a reply shows with the next load, now.
     if (!opened.isEmpty())
         open(QStringLiteral("/kest/%1/chat/%2").arg(handle, opened));
     else
         reloadAfterAction();
-}
-
-void DirectChatPage::setSendState(QString note, QString error, bool pending)
-{
-    if (note == m_note && error == m_error && pending == m_pending)
-        return;
-    m_note = std::move(note);
-    m_error = std::move(error);
-    m_pending = pending;
-    emit sendChanged();
 }
 
 void DirectChatPage::closeThread()

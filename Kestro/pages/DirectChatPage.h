@@ -1,5 +1,6 @@
 #pragma once
 
+#include "ComposerPlace.h"
 #include "shell/KeyedListModel.h"
 #include "shell/PageModel.h"
 
@@ -85,11 +86,11 @@ public:
     QString label() const;
     QString placeholder() const;
     QString hint() const;
-    QString text() const { return m_text; }
-    void setText(const QString& text);
-    QString note() const { return m_note; }
-    QString error() const { return m_error; }
-    bool pending() const { return m_pending; }
+    QString text() const { return m_compose.text(); }
+    void setText(const QString& text) { m_compose.setText(text); }
+    QString note() const { return m_compose.note(); }
+    QString error() const { return m_compose.error(); }
+    bool pending() const { return m_compose.pending(); }
 
     Q_INVOKABLE void send();
     Q_INVOKABLE void closeThread();
@@ -106,20 +107,15 @@ protected:
 
 private:
     QCoro::Task<> post(QString text, QString threadId, QString handle, bool handing, QString sentFrom);
-    void setSendState(QString note, QString error, bool pending);
     QString threadId() const;
     QString place() const;
     void followPlace();
 
     ChatData m_data;
-    QString m_place;
     bool m_loaded = false;
     KeyedList<Model::ThreadSummary>* m_threads;
     KeyedList<Model::MessageView>* m_messages;
-    QString m_text;
-    QString m_note;
-    QString m_error;
-    bool m_pending = false;
+    ComposerPlace m_compose;
 };
 
 } // namespace Kestro

@@ -3,7 +3,6 @@
 #include "KestRoomPage.h"
 #include "KestWords.h"
 #include "service/ServiceError.h"
-#include "shell/Drafts.h"
 
 #include <QJsonObject>
 #include <QPointer>
@@ -13,23 +12,20 @@ namespace Kestro {
 KestComposer::KestComposer(KestRoomPage* page, bool inThread)
     : QObject(page), m_page(page), m_inThread(inThread)
 {
-    if (!inThread)
-        m_text = Drafts::of(place());
-    connect(this, &KestComposer::textChanged, this, &KestComposer::hintChanged);
+    connect(&m_place, &ComposerPlace::textChanged, this, &KestComposer::textChanged);
+    connect(&m_place, &ComposerPlace::textChanged, this, &KestComposer::hintChanged);
+    connect(&m_place, &ComposerPlace::stateChanged, this, &KestComposer::stateChanged);
+    follow();
 }
 
-void KestComposer::setText(const QString& text)
+void KestComposer::follow()
 {
-    if (text == m_text)
-        return;
-    m_text = text;
-    Drafts::keep(place(), text);
-    emit textChanged();
+    m_place.setPlace(place());
 }
 
 QString KestComposer::hint() const
 {
-    return m_inThread ? QString() : KestWords::hintOf(m_text, m_page->result().kest);
+    return m_inThread ? QString() : KestWords::hintOf(m_place.text(), m_page->result().kest);
 }
 
 QString KestComposer::label() const
@@ -45,23 +41,13 @@ QString KestComposer::placeholder() const
 
 void KestComposer::send()
 {
-    if (m_pending)
-        return;
-    if (m_text.trimmed().isEmpty()) {
-        setState({}, QStringLiteral("Tell us what you need first, then press Send."), false);
-        return;
-    }
-    post(m_text, m_inThread ? m_page->threadId() : QString(), place());
+    if (const std::optional<QString> text = m_place.begin())
+        post(*text, m_inThread ? m_page->threadId() : QString(), place());
 }
 
 QString KestComposer::place() const
 {
     return m_inThread ? QStringLiteral("kest/thread/") + m_page->threadId() : QStringLiteral("kest");
-}
-
-void KestComposer::forget()
-{
-    setState({}, {}, m_pending);
 }
 
 KestComposer::Outcome KestComposer::outcomeOf(const Calls::app::PostKestMessageActionResult& result,
@@ -77,8 +63,12 @@ KestComposer::Outcome KestComposer::outcomeOf(const Calls::app::PostKestMessageA
 
 QCoro::Task<> KestComposer::post(QString text, QString threadId, QString sentFrom)
 {
-    QPointer<KestComposer> self(this);
-    setState({}, {}, true);
+    // Nothing of this composer is read after the wait: leaving the page
+    // destroys it.
+    QPointer<KestRoomPage> page(m_page);
+    const bool inThread = m_inThread;
+    const Route sentAt = m_page->route();
+    const QList<Calls::kest::KestChatResultKest> kest = m_page->result().kest;
     QJsonObject input{{QStringLiteral("text"), text}};
     if (!threadId.isEmpty())
         input.insert(QStringLiteral("threadId"), threadId);
@@ -90,41 +80,22 @@ QCoro::Task<> KestComposer::post(QString text, QString threadId, QString sentFro
     } catch (const std::exception& error) {
         failure = describeError(error);
     }
-    if (!self)
-        co_return;
     if (failure.isEmpty() && result.error && !result.error->isEmpty())
         failure = *result.error;
-    // The sentence and the clearing belong to the place the text was sent
-    // from: the user may have opened another thread meanwhile.
-    const bool here = place() == sentFrom;
-    if (!failure.isEmpty()) {
-        // The text stays, so the user can send it again.
-        setState({}, here ? failure : QString(), false);
+    // The words and the sentence land at the place they were sent from,
+    // whether or not the page is still there.
+    const Outcome outcome =
+        failure.isEmpty() ? outcomeOf(result, page ? page->result().kest : kest, inThread) : Outcome{};
+    ComposerPlace::finish(sentFrom, text, failure, outcome.note);
+    // The room moves only if the user is still where they sent from: a new
+    // thread opens beside it (which loads the page anew), else a load now
+    // shows the message and the first answers.
+    if (!failure.isEmpty() || !page || page->route() != sentAt)
         co_return;
-    }
-    const Outcome outcome = outcomeOf(result, m_page->result().kest, m_inThread);
-    if (Drafts::of(sentFrom) == text)
-        Drafts::keep(sentFrom, {});
-    // Only what was sent goes: words typed meanwhile stay.
-    if (here && m_text == text)
-        setText({});
-    setState(here ? outcome.note : QString(), {}, false);
-    // Opening the thread loads the page anew; otherwise load it now, so the
-    // message and the first answers show.
     if (!outcome.open.isEmpty())
-        m_page->open(outcome.open);
+        page->open(outcome.open);
     else
-        m_page->reloadNow();
-}
-
-void KestComposer::setState(QString note, QString error, bool pending)
-{
-    if (note == m_note && error == m_error && pending == m_pending)
-        return;
-    m_note = std::move(note);
-    m_error = std::move(error);
-    m_pending = pending;
-    emit stateChanged();
+        page->reloadNow();
 }
 
 } // namespace Kestro

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "ComposerPlace.h"
 #include "calls/app.h"
 #include "calls/kest.h"
 
@@ -13,7 +14,8 @@ class KestRoomPage;
 
 // A composer of the kest room: the room's own, or the open thread's. It
 // keeps the typed text through a failed post, says who took the message
-// after a good one, and from the room opens the new message's thread.
+// after a good one, and from the room opens the new message's thread while
+// the user is still where they sent it from.
 class KestComposer : public QObject {
     Q_OBJECT
     QML_ELEMENT
@@ -29,19 +31,19 @@ class KestComposer : public QObject {
 public:
     KestComposer(KestRoomPage* page, bool inThread);
 
-    QString text() const { return m_text; }
-    void setText(const QString& text);
+    QString text() const { return m_place.text(); }
+    void setText(const QString& text) { m_place.setText(text); }
     QString hint() const;
-    QString note() const { return m_note; }
-    QString error() const { return m_error; }
-    bool pending() const { return m_pending; }
+    QString note() const { return m_place.note(); }
+    QString error() const { return m_place.error(); }
+    bool pending() const { return m_place.pending(); }
     QString label() const;
     QString placeholder() const;
 
     // Posts the text; refuses an empty one with a sentence that says why.
     Q_INVOKABLE void send();
-    // A new thread opened in the panel: the last send's words go.
-    void forget();
+    // The route moved: a thread composer turns to the open thread's words.
+    void follow();
     // Where the typed text is kept while unsent: the room, or its thread.
     QString place() const;
 
@@ -61,14 +63,10 @@ signals:
 
 private:
     QCoro::Task<> post(QString text, QString threadId, QString sentFrom);
-    void setState(QString note, QString error, bool pending);
 
     KestRoomPage* m_page;
     bool m_inThread;
-    QString m_text;
-    QString m_note;
-    QString m_error;
-    bool m_pending = false;
+    ComposerPlace m_place;
 };
 
 } // namespace Kestro

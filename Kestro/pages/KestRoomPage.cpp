@@ -2,7 +2,6 @@
 
 #include "KestComposer.h"
 #include "KestWords.h"
-#include "shell/Drafts.h"
 #include "shell/RelativeTime.h"
 
 #include "calls/app.h"
@@ -77,8 +76,7 @@ KestRoomPage::KestRoomPage(QObject* parent, Timers& timers)
         if (threadId() == m_shownThread)
             return;
         m_shownThread = threadId();
-        m_threadComposer->setText(Drafts::of(m_threadComposer->place()));
-        m_threadComposer->forget();
+        m_threadComposer->follow();
     });
 }
 

@@ -4,34 +4,67 @@
 
 #include <QHash>
 
-namespace Kestro::Drafts {
+namespace Kestro {
 
 namespace {
-QHash<QString, QString>& store()
+QHash<QString, Draft>& store()
 {
-    static QHash<QString, QString> drafts;
+    static QHash<QString, Draft> drafts;
     return drafts;
 }
 } // namespace
 
-QString of(const QString& place)
+Drafts& Drafts::instance()
+{
+    static Drafts drafts;
+    return drafts;
+}
+
+Draft Drafts::of(const QString& place)
 {
     return store().value(place);
 }
 
-void keep(const QString& place, const QString& text)
+void Drafts::put(const QString& place, Draft draft)
 {
-    requireMainThread("Drafts::keep");
-    if (text.trimmed().isEmpty())
+    requireMainThread("Drafts");
+    if (draft == of(place))
+        return;
+    // Blank words with nothing to tell hold no place.
+    if (draft.text.trimmed().isEmpty() && draft.note.isEmpty() && draft.error.isEmpty() && !draft.pending)
         store().remove(place);
     else
-        store().insert(place, text);
+        store().insert(place, std::move(draft));
+    emit instance().changed(place);
 }
 
-void clear()
+void Drafts::keepText(const QString& place, const QString& text)
+{
+    Draft draft = of(place);
+    if (draft.text == text)
+        return;
+    draft.text = text;
+    draft.note.clear();
+    draft.error.clear();
+    put(place, std::move(draft));
+}
+
+void Drafts::setOutcome(const QString& place, QString note, QString error, bool pending)
+{
+    Draft draft = of(place);
+    draft.note = std::move(note);
+    draft.error = std::move(error);
+    draft.pending = pending;
+    put(place, std::move(draft));
+}
+
+void Drafts::clear()
 {
     requireMainThread("Drafts::clear");
+    const QList<QString> places = store().keys();
     store().clear();
+    for (const QString& place : places)
+        emit instance().changed(place);
 }
 
-} // namespace Kestro::Drafts
+} // namespace Kestro

@@ -187,6 +187,56 @@ private slots:
         chat.setText({});
     }
 
+    void aSendLandsWhereItWasSentFrom()
+    {
+        // A send outlives the user's move and its page: its sentence and
+        // its words stay with the thread it came from, not the one on screen.
+        const QString gone = u"kest/thread/gone"_s;
+        {
+            KestRoomPage room;
+            room.setRouter(m_router.get());
+            room.setRoute(Route::parse(u"/kest?thread=gone"_s));
+            room.threadComposer()->setText(u"still there?"_s);
+            room.threadComposer()->send();
+            QVERIFY(room.threadComposer()->pending());
+            room.setRoute(Route::parse(u"/kest?thread=other"_s));
+            QVERIFY(!room.threadComposer()->pending());
+            QCOMPARE(room.threadComposer()->text(), QString());
+        }
+        QTRY_VERIFY_WITH_TIMEOUT(!Drafts::of(gone).pending, 10000);
+        QCOMPARE(Drafts::of(gone).error, u"That thread is gone. Start a new message instead."_s);
+        QCOMPARE(Drafts::of(gone).text, u"still there?"_s);
+        // Typing again has the sentence go.
+        Drafts::keepText(gone, u"still there? Anyone?"_s);
+        QCOMPARE(Drafts::of(gone).error, QString());
+        Drafts::keepText(gone, {});
+        QCOMPARE(Drafts::of(gone), Draft{});
+
+        // A good send whose page is gone still takes its words away.
+        {
+            auto room = openRoom(u"/kest"_s);
+            room->composer()->setText(u"@quill one line for the launch post"_s);
+            room->composer()->send();
+        }
+        QTRY_VERIFY_WITH_TIMEOUT(!Drafts::of(u"kest"_s).pending, 10000);
+        QCOMPARE(Drafts::of(u"kest"_s).text, QString());
+        QCOMPARE(Drafts::of(u"kest"_s).note, u"Quill is on it."_s);
+
+        // The room opens the new thread only while the user is still where
+        // they sent from.
+        const QString before = m_router->route().path;
+        KestRoomPage room;
+        room.setRouter(m_router.get());
+        room.setRoute(Route::parse(u"/kest"_s));
+        room.composer()->setText(u"@quill and a second line"_s);
+        room.composer()->send();
+        room.setRoute(Route::parse(u"/kest?thread=elsewhere"_s));
+        QTRY_VERIFY_WITH_TIMEOUT(!room.composer()->pending(), 10000);
+        QCOMPARE(room.composer()->text(), QString());
+        QCOMPARE(m_router->route().path, before);
+        Drafts::clear();
+    }
+
     void aReactionTogglesTheUsersOwn()
     {
         QList<Model::ReactionView> reactions{{u"👍"_s, {u"u2"_s}}};
