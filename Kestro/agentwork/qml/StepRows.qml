@@ -96,7 +96,7 @@ ColumnLayout {
                     anchors.leftMargin: 6
                     anchors.rightMargin: 6
                     spacing: 8
-                    Icon {
+                    SpinningIcon {
                         id: mark
                         name: list.stateIcons[step.modelData.state] || "circle-dashed"
                         size: 14
@@ -104,12 +104,7 @@ ColumnLayout {
                              : step.modelData.state === "failed" ? Theme.danger
                              : step.modelData.state === "waiting" ? Theme.busy
                              : step.modelData.state === "running" ? Theme.accent : Theme.muted
-                        // Turns on the shared slow clock, an eighth of a turn a tick.
-                        Pulsing {
-                            id: spin
-                            active: step.modelData.state === "running" && !Theme.reduceMotion && mark.visible
-                        }
-                        rotation: spin.active ? (Pulse.tick % 8) * 45 : 0
+                        spinning: step.modelData.state === "running"
                         ToolTip.visible: markHover.hovered
                         ToolTip.text: list.stateWords[step.modelData.state] || ""
                         HoverHandler { id: markHover }

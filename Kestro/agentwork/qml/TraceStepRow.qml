@@ -189,19 +189,14 @@ ColumnLayout {
                 font.pixelSize: 11
                 font.weight: Font.DemiBold
             }
-            Icon {
+            SpinningIcon {
                 id: spinner
                 anchors.centerIn: parent
                 visible: row.busy
                 name: "loader-circle"
                 size: 14
                 color: Theme.accent
-                // Turns on the shared slow clock, an eighth of a turn a tick.
-                Pulsing {
-                    id: spin
-                    active: spinner.visible && !Theme.reduceMotion
-                }
-                rotation: spin.active ? (Pulse.tick % 8) * 45 : 0
+                spinning: true
             }
             Accessible.role: Accessible.StaticText
             Accessible.name: row.markWords.length > 0 ? row.markWords

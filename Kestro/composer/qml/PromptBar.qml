@@ -66,7 +66,13 @@ FocusScope {
         bar.send(bar.value)
     }
     // A read-only bar (its notice shows) takes no keyboard.
-    function focusEditor() { if (bar.notice.length === 0) area.forceActiveFocus() }
+    // Coming back to words kept from before, the caret waits after them.
+    function focusEditor() {
+        if (bar.notice.length > 0 || area.activeFocus)
+            return
+        area.cursorPosition = area.length
+        area.forceActiveFocus()
+    }
     Component.onCompleted: if (bar.autoFocus) bar.focusEditor()
 
     PromptBarModel {

@@ -10,13 +10,13 @@ QtObject {
     id: pulse
     // How many signs of work are moving now (see Pulsing).
     property int users: 0
-    // Counts up while any moves; 104 is a whole number of breaths (13
-    // ticks) and of spinner turns (8 ticks).
+    // Counts up while any moves; 156 is a whole number of breaths (13
+    // ticks) and of spinner turns (12 ticks).
     property int tick: 0
     readonly property Timer clock: Timer {
         interval: 125
         repeat: true
         running: pulse.users > 0
-        onTriggered: pulse.tick = (pulse.tick + 1) % 104
+        onTriggered: pulse.tick = (pulse.tick + 1) % 156
     }
 }

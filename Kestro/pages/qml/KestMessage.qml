@@ -47,6 +47,23 @@ FocusScope {
         interval: 1600
         onTriggered: message.pointedCite = -1
     }
+    // The sources scroll into view when a citation points at one, once
+    // the lit chip is laid out.
+    Timer {
+        id: showCites
+        interval: 0
+        onTriggered: {
+            const view = message.ListView.view
+            if (!view || !citesPart.item)
+                return
+            const top = citesPart.mapToItem(view.contentItem, 0, 0).y - 8
+            const bottom = top + citesPart.height + 16
+            if (bottom > view.contentY + view.height)
+                view.contentY = Math.min(top, bottom - view.height)
+            else if (top < view.contentY)
+                view.contentY = top
+        }
+    }
     signal linkOpened(string path)
     signal reacted(string messageId, string emoji)
     signal addingReaction(string messageId, Item from)
@@ -118,7 +135,6 @@ FocusScope {
             MessagePart {
                 owner: message
                 active: message.failed
-                visible: active
                 width: column.width
                 sourceComponent: Component {
                     Text {
@@ -143,16 +159,21 @@ FocusScope {
                 onPathClicked: path => message.linkOpened(path)
                 // "[2]" in the text points at the second source under it.
                 onAnchorClicked: anchor => {
-                    message.pointedCite = parseInt(anchor.replace("#source-", ""), 10) - 1
+                    const cite = /^#source-(\d+)$/.exec(anchor)
+                    const at = cite ? parseInt(cite[1], 10) - 1 : -1
+                    if (at < 0 || at >= message.cites.length)
+                        return
+                    message.pointedCite = at
                     pointedCiteTimer.restart()
+                    showCites.restart()
                 }
             }
 
             // What the message cites.
             MessagePart {
+                id: citesPart
                 owner: message
                 active: message.cites.length > 0
-                visible: active
                 width: column.width
                 sourceComponent: Component {
                     Flow {
@@ -193,7 +214,6 @@ FocusScope {
             MessagePart {
                 owner: message
                 active: message.taskKey.length > 0
-                visible: active
                 sourceComponent: Component {
                     AbstractButton {
                         id: taskChip
@@ -230,7 +250,6 @@ FocusScope {
             MessagePart {
                 owner: message
                 active: message.approvals.length > 0
-                visible: active
                 sourceComponent: Component {
                     LinkText {
                         id: approvalsLink
@@ -245,7 +264,6 @@ FocusScope {
             MessagePart {
                 owner: message
                 active: message.reactions.length > 0
-                visible: active
                 width: column.width
                 sourceComponent: Component {
                     ReactionChips {
@@ -263,7 +281,6 @@ FocusScope {
             MessagePart {
                 owner: message
                 active: !message.inThread && (message.replies > 0 || message.answeringLine.length > 0)
-                visible: active
                 // As wide as the message, so a long answering line is cut short.
                 width: column.width
                 sourceComponent: Component {

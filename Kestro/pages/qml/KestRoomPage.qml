@@ -129,6 +129,8 @@ Item {
                     onLinkOpened: path => room.open(path)
                     onReacted: (id, emoji) => room.react(id, emoji)
                     onAddingReaction: (id, from) => picker.openFor(id, from)
+            // A thread shows once its answer is in: that is its arrival.
+            onVisibleChanged: if (visible) arrival.request()
                 }
                 EmptyState {
                     visible: room.messages.count === 0

@@ -14,17 +14,11 @@ Rectangle {
     property string access
     property bool canReact: false
     signal addingReaction(string messageId, Item from)
-    // Called when the thread opens; waits for the panel to show, so the
-    // keyboard is not in an editor no one sees.
+    // The keyboard goes to an editor only once someone can see it; the
+    // room asks again when the panel shows.
     function focusComposer() {
-        focusOnShow = !visible
         if (visible)
             threadComposer.editor.focusEditor()
-    }
-    property bool focusOnShow: false
-    onVisibleChanged: if (visible && focusOnShow) {
-        focusOnShow = false
-        threadComposer.editor.focusEditor()
     }
     color: Theme.page
     Accessible.role: Accessible.Pane

@@ -57,10 +57,17 @@ ListView {
         timeline.anchorKey = ""
     }
     // The keyboard's moves, not a row arriving (which shifts the current
-    // index too), decide whether the view follows the newest message.
-    onCurrentIndexChanged: if (timeline.activeFocus && !timeline.inserting) {
-        timeline.stuck = timeline.currentIndex <= 0
-        timeline.anchorKey = ""
+    // index, now or when the view next lays out), decide whether the view
+    // follows the newest message: a move lands on another message.
+    property string currentKey
+    onCurrentIndexChanged: {
+        const key = timeline.currentIndex >= 0 ? timeline.model.keyAt(timeline.currentIndex) : ""
+        const moved = key !== timeline.currentKey
+        timeline.currentKey = key
+        if (moved && timeline.activeFocus) {
+            timeline.stuck = timeline.currentIndex <= 0
+            timeline.anchorKey = ""
+        }
     }
     // Rows keep settling after they are placed (their parts and text come
     // in over a few frames): the row being read is put back each time.
@@ -77,16 +84,13 @@ ListView {
     // and put back where it was after.
     property string anchorKey
     property real anchorOffset: 0
-    property bool inserting: false
     Connections {
         target: timeline.model
         ignoreUnknownSignals: true
         function onRowsAboutToBeInserted() {
-            timeline.inserting = true
             timeline.remember()
         }
         function onRowsInserted() {
-            timeline.inserting = false
             if (timeline.anchorKey.length > 0 && !timeline.stuck)
                 keep.restart()
         }

@@ -5,4 +5,6 @@ import QtQuick
 // `owner`: the loader is the loaded item's parent before any binding runs.
 Loader {
     property var owner
+    // A part the message lacks takes no room.
+    visible: active
 }
