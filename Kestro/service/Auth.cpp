@@ -17,6 +17,9 @@
 #include <QRandomGenerator>
 #include <QUrlQuery>
 
+#include <algorithm>
+#include <cmath>
+
 namespace Kestro {
 
 namespace {
@@ -77,6 +80,31 @@ struct TokenBody {
     }
 };
 
+// A token goes on every request in a header (the access token) or in a
+// form (the refresh token): only visible ASCII may travel there. A CR or LF
+// would let the answer add headers of its choosing to each call.
+bool usableToken(const QString& token)
+{
+    if (token.isEmpty())
+        return false;
+    for (const QChar c : token)
+        if (c.unicode() < 0x21 || c.unicode() > 0x7e)
+            return false;
+    return true;
+}
+
+// How long tokens last, in milliseconds: "expires_in" seconds, the default
+// when absent, and never past ten years nor before now, whatever the
+// number (1e300 must not wrap into an expiry in the past).
+qint64 lifetimeMs(std::optional<double> expiresIn)
+{
+    constexpr double tenYears = 10.0 * 365 * 24 * 3600;
+    double seconds = expiresIn.value_or(double(Auth::defaultLifetimeSeconds));
+    if (std::isnan(seconds))
+        seconds = Auth::defaultLifetimeSeconds;
+    return qint64(std::clamp(seconds, 0.0, tenYears) * 1000.0);
+}
+
 } // namespace
 
 Auth& Auth::shared()
@@ -92,6 +120,9 @@ Auth::Auth(QUrl origin, SecretStore& store, QObject* parent)
 {
     m_network.setCookieJar(new NoCookies(&m_network));
     m_network.setTransferTimeout(30'000);
+    // A redirect is an answer: the form carries the verifier or refresh
+    // token, which must never be posted to whatever address a 307 names.
+    m_network.setRedirectPolicy(QNetworkRequest::ManualRedirectPolicy);
 }
 
 QString Auth::keychainKey() const
@@ -251,8 +282,9 @@ QCoro::Task<Tokens> Auth::tokenRequest(Form form)
                                                        : QStringLiteral("Sign in again."));
     }
     if (answer.status == 200 && body.accessToken && body.refreshToken) {
-        const double lifetime = body.expiresIn ? *body.expiresIn : double(defaultLifetimeSeconds);
-        co_return Tokens{*body.accessToken, *body.refreshToken, now().addMSecs(qint64(lifetime * 1000.0))};
+        if (!usableToken(*body.accessToken) || !usableToken(*body.refreshToken))
+            throw CallError::decode(QStringLiteral("the sign-in answer holds a token no request can carry"));
+        co_return Tokens{*body.accessToken, *body.refreshToken, now().addMSecs(lifetimeMs(body.expiresIn))};
     }
     throw CallError::http(answer.status, {});
 }
@@ -287,10 +319,6 @@ QCoro::Task<std::optional<Tokens>> Auth::readStored()
 
 void Auth::adopt(std::optional<Tokens> tokens)
 {
-    if (m_tokens) {
-        LogRedaction::forget(m_tokens->access);
-        LogRedaction::forget(m_tokens->refresh);
-    }
     if (tokens) {
         LogRedaction::remember(tokens->access);
         LogRedaction::remember(tokens->refresh);

@@ -38,6 +38,9 @@ Client::Client(QUrl origin, Auth& auth, QObject* parent)
 {
     m_network.setCookieJar(m_cookies);
     m_network.setTransferTimeout(60'000);
+    // A redirect is an answer (an HTTP status like any other of 300 and
+    // up): followed, it would carry the bearer token to another origin.
+    m_network.setRedirectPolicy(QNetworkRequest::ManualRedirectPolicy);
 }
 
 QUrl Client::actionUrl(const QString& module, const QString& action) const

@@ -3,9 +3,12 @@
 #include "ServiceError.h"
 
 #include <QCoroNetworkReply>
+#include <QLocale>
 #include <QNetworkReply>
+#include <QTimer>
 
 #include <memory>
+#include <optional>
 
 namespace Kestro {
 
@@ -40,11 +43,35 @@ TransportError transportError(const QNetworkReply& reply)
 
 } // namespace
 
-QCoro::Task<HttpAnswer> exchange(QNetworkReply* rawReply)
+QCoro::Task<HttpAnswer> exchange(QNetworkReply* rawReply, HttpLimits limits)
 {
     const std::unique_ptr<QNetworkReply, LaterDelete> reply(rawReply);
-    if (!reply->isFinished())
+    // Why the reply was cut off, when it was.
+    auto cut = std::make_shared<std::optional<TransportError::Kind>>();
+    QNetworkReply* watched = reply.get();
+    QTimer deadline;
+    deadline.setSingleShot(true);
+    QObject::connect(&deadline, &QTimer::timeout, watched, [watched, cut] {
+        *cut = TransportError::Kind::TimedOut;
+        watched->abort();
+    });
+    QObject::connect(watched, &QNetworkReply::downloadProgress, watched,
+                     [watched, cut, limits](qint64 received, qint64 total) {
+                         if (received > limits.maxBytes || total > limits.maxBytes) {
+                             *cut = TransportError::Kind::TooLarge;
+                             watched->abort();
+                         }
+                     });
+    if (!reply->isFinished()) {
+        deadline.start(limits.deadlineMs);
         co_await qCoro(reply.get()).waitForFinished();
+    }
+    if (*cut) {
+        const QString detail = **cut == TransportError::Kind::TooLarge
+                                   ? QLocale::c().formattedDataSize(limits.maxBytes, 0)
+                                   : reply->errorString();
+        throw TransportError(**cut, detail);
+    }
     const QVariant status = reply->attribute(QNetworkRequest::HttpStatusCodeAttribute);
     const QNetworkReply::NetworkError error = reply->error();
     // Errors 1..99 are below HTTP: even with a status line, the answer is

@@ -46,12 +46,6 @@ void remember(const QString& secret)
     secrets().insert(secret);
 }
 
-void forget(const QString& secret)
-{
-    QMutexLocker lock(&mutex());
-    secrets().remove(secret);
-}
-
 QString redact(QString line)
 {
     {
@@ -61,8 +55,10 @@ QString redact(QString line)
     }
     static const QRegularExpression bearer(QStringLiteral(R"((Bearer\s+)[A-Za-z0-9._~+/=-]+)"),
                                            QRegularExpression::CaseInsensitiveOption);
+    // A name standing alone ("code=", not "zipcode="), then its value in a
+    // query, a form, a cookie or JSON.
     static const QRegularExpression named(QString::fromLatin1(
-        R"re(((?:access_token|refresh_token|code_verifier|"access"|"refresh")"?\s*[=:]\s*"?)[^"&\s,}]+)re"));
+        R"re(((?<![A-Za-z0-9_-])(?:access_token|refresh_token|code_verifier|code|token|__Host-kestro_app_token|kestro_app_token|"access"|"refresh")"?\s*[=:]\s*"?)[^"&;\s,}]+)re"));
     if (!bearer.isValid() || !named.isValid())
         qFatal("The log redaction patterns do not compile.");
     line.replace(bearer, QStringLiteral("\\1[redacted]"));

@@ -18,6 +18,10 @@ QString TransportError::description() const
         return QStringLiteral("The service did not answer in time. Try again.");
     case Kind::Dropped:
         return QStringLiteral("The connection to the service dropped before the answer arrived. Try again.");
+    case Kind::TooLarge:
+        return QStringLiteral("The service's answer was larger than Kestro reads (%1), so it was left "
+                              "unread. Try again later.")
+            .arg(m_detail);
     case Kind::Other:
         break;
     }

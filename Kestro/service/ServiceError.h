@@ -26,7 +26,7 @@ QString describeError(const std::exception& error);
 // dropped connection. The platform's own text travels in detail().
 class TransportError : public ServiceError {
 public:
-    enum class Kind { Unreachable, TimedOut, Dropped, Other };
+    enum class Kind { Unreachable, TimedOut, Dropped, TooLarge, Other };
     TransportError(Kind kind, QString detail) : m_kind(kind), m_detail(std::move(detail)) {}
 
     Kind kind() const { return m_kind; }

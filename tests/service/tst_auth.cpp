@@ -173,6 +173,54 @@ private slots:
         QVERIFY(!rig.store.items.contains(rig.key()));
     }
 
+    void tokenAnswersAreCheckedBeforeUse()
+    {
+        // A token that would put a line break into every request's headers
+        // is refused and never stored.
+        Rig rig;
+        const Authorization a = rig.auth->begin(QString(Auth::redirectUri));
+        rig.service.server.setHandler([](const TestHttpServer::Request&) {
+            return TestHttpServer::Response{
+                200, R"({"access_token":"abc\r\nX-Injected: yes","refresh_token":"r1","expires_in":60})"};
+        });
+        QCOMPARE(failure<CallError>(rig.auth->finish(rig.service.approve(a.url), a)).kind(),
+                 CallError::Kind::Decode);
+        QVERIFY(!rig.store.items.contains(rig.key()));
+
+        // A lifetime past any sane range ends in the future, not the past.
+        for (const double seconds : {1e16, 1e300}) {
+            Rig far;
+            far.service.expiresIn = seconds;
+            far.signedInFor(10);
+            QVERIFY(blockingWait(far.auth->accessToken()));
+            const qint64 left = far.now.secsTo(far.auth->tokens()->expiresAt);
+            QVERIFY2(left > 3600 && left <= 10LL * 365 * 24 * 3600, qPrintable(QString::number(left)));
+        }
+    }
+
+    void aRedirectNeverCarriesSecretsElsewhere()
+    {
+        // A 307 from the token endpoint to another origin is an answer: the
+        // code and verifier are not posted there again.
+        TestHttpServer elsewhere;
+        QVERIFY(elsewhere.listen());
+        elsewhere.setHandler([](const TestHttpServer::Request&) {
+            return TestHttpServer::Response{200, R"({"access_token":"stolen","refresh_token":"stolen"})"};
+        });
+        Rig rig;
+        const Authorization a = rig.auth->begin(QString(Auth::redirectUri));
+        const QByteArray target = elsewhere.origin().toString().toUtf8() + "/api/oauth/token";
+        for (const int status : {307, 308, 302}) {
+            rig.service.server.setHandler([&](const TestHttpServer::Request&) {
+                return TestHttpServer::Response{status, {}, {}, {{"Location", target}}};
+            });
+            QCOMPARE(failure<CallError>(rig.auth->finish(rig.service.approve(a.url), a)),
+                     CallError::http(status, {}));
+        }
+        QCOMPARE(elsewhere.requests().size(), 0);
+        QVERIFY(!rig.store.items.contains(rig.key()));
+    }
+
     void refreshesOnlyWithinTheMargin()
     {
         Rig rig;
@@ -292,6 +340,18 @@ private slots:
         QCOMPARE(LogRedaction::redact(uR"({"access_token":"abc","expires_in":3600})"_s),
                  uR"({"access_token":"[redacted]","expires_in":3600})"_s);
         QCOMPARE(LogRedaction::redact(u"nothing secret here"_s), u"nothing secret here"_s);
+        // The callback's code, a revoke form, the web session's cookie.
+        QCOMPARE(LogRedaction::redact(u"kestro://oauth/callback?code=c0de1&state=s"_s),
+                 u"kestro://oauth/callback?code=[redacted]&state=s"_s);
+        QCOMPARE(LogRedaction::redact(u"token=r-42&client_id=kestro"_s),
+                 u"token=[redacted]&client_id=kestro"_s);
+        QCOMPARE(LogRedaction::redact(u"Cookie: __Host-kestro_app_token=abc.def; theme=dark"_s),
+                 u"Cookie: __Host-kestro_app_token=[redacted]; theme=dark"_s);
+        QCOMPARE(LogRedaction::redact(u"zipcode=12345 csrftoken=x"_s), u"zipcode=12345 csrftoken=x"_s);
+        // Signed out, the old tokens are still hidden.
+        blockingWait(rig.auth->signOut());
+        const QString after = LogRedaction::redact(u"late line with %1"_s.arg(tokens.access));
+        QVERIFY2(!after.contains(tokens.access), qPrintable(after));
     }
 };
 

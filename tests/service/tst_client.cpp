@@ -9,12 +9,15 @@
 #include "service/BlockingWait.h"
 #include "service/CallError.h"
 #include "service/Client.h"
+#include "service/HttpExchange.h"
 #include "service/MemorySecretStore.h"
 #include "service/ServiceError.h"
 #include "service/Wire.h"
 
 #include <QJsonArray>
 #include <QJsonDocument>
+#include <QNetworkAccessManager>
+#include <QNetworkReply>
 #include <QRegularExpression>
 #include <QTest>
 
@@ -198,6 +201,51 @@ private slots:
         });
         QCOMPARE(callFailure<CallError>(*rig.client), CallError::redirect(u"/setup/plan"_s));
         QCOMPARE(rig.app.setups, QStringList{u"/setup/plan"_s});
+    }
+
+    void anHttpRedirectIsAnAnswer()
+    {
+        // Followed, a redirect would carry the bearer token to whatever
+        // address it names.
+        TestHttpServer elsewhere;
+        QVERIFY(elsewhere.listen());
+        Rig rig;
+        const QByteArray target = elsewhere.origin().toString().toUtf8() + "/api/app/m/a";
+        for (const int status : {301, 302, 303, 307, 308}) {
+            rig.service.setActionHandler([&](auto&&...) {
+                return TestHttpServer::Response{status, {}, {}, {{"Location", target}}};
+            });
+            QCOMPARE(callFailure<CallError>(*rig.client), CallError::http(status, {}));
+        }
+        QCOMPARE(elsewhere.requests().size(), 0);
+    }
+
+    void anAnswerHasASizeAndATimeLimit()
+    {
+        TestHttpServer server;
+        QVERIFY(server.listen());
+        QNetworkAccessManager network;
+        auto failureOf = [&](TestHttpServer::Response response, HttpLimits limits) {
+            server.setHandler([response](const TestHttpServer::Request&) { return response; });
+            try {
+                blockingWait(exchange(network.get(QNetworkRequest(server.origin())), limits));
+            } catch (const TransportError& error) {
+                return error;
+            }
+            qFatal("The answer was read.");
+        };
+        const TransportError large = failureOf({200, QByteArray(4096, 'x')}, {1024, 10'000});
+        QCOMPARE(large.kind(), TransportError::Kind::TooLarge);
+        QVERIFY2(large.description().endsWith(u"so it was left unread. Try again later."_s),
+                 qPrintable(large.description()));
+        // A byte every 50 ms never stalls the transfer, but the deadline ends it.
+        TestHttpServer::Response trickle{200, QByteArray(1000, 'x')};
+        trickle.trickleMs = 50;
+        QCOMPARE(failureOf(trickle, {1024, 400}).kind(), TransportError::Kind::TimedOut);
+        // Within the limits, the answer is read whole.
+        server.setHandler([](const TestHttpServer::Request&) { return TestHttpServer::Response{200, "{}"}; });
+        QCOMPARE(blockingWait(exchange(network.get(QNetworkRequest(server.origin())), {1024, 10'000})).body,
+                 QByteArray("{}"));
     }
 
     void notFoundAfterEffects()

@@ -4,6 +4,8 @@
 #include <QTcpSocket>
 #include <QTimer>
 
+#include <memory>
+
 namespace KestroTest {
 
 TestHttpServer::TestHttpServer(QObject* parent) : QObject(parent)
@@ -96,7 +98,22 @@ void TestHttpServer::answer(QTcpSocket* socket, const Response& response)
     for (const auto& [name, value] : response.headers)
         head += name + ": " + value + "\r\n";
     head += "\r\n";
-    socket->write(head + response.body);
+    if (response.trickleMs <= 0) {
+        socket->write(head + response.body);
+        return;
+    }
+    socket->write(head);
+    // One byte now and then: the connection never stalls, the answer never ends.
+    auto* timer = new QTimer(socket);
+    auto sent = std::make_shared<qsizetype>(0);
+    connect(timer, &QTimer::timeout, socket, [socket, timer, sent, body = response.body] {
+        if (*sent >= body.size()) {
+            timer->stop();
+            return;
+        }
+        socket->write(body.mid((*sent)++, 1));
+    });
+    timer->start(response.trickleMs);
 }
 
 } // namespace KestroTest

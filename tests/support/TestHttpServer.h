@@ -37,6 +37,7 @@ public:
         QList<QPair<QByteArray, QByteArray>> headers;
         int delayMs = 0;
         bool drop = false; // close the connection without answering
+        int trickleMs = 0; // send the body a byte at a time, this far apart
     };
     using Handler = std::function<Response(const Request&)>;
 
