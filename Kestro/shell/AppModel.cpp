@@ -173,10 +173,11 @@ void AppModel::signOut()
 
 QCoro::Task<> AppModel::runSignOut()
 {
-    QPointer<AppModel> self(this);
-    co_await m_client.auth().signOut();
-    if (self && m_desktop.clearWebSession)
+    // The web pages lose the session first: the revoke may take long or
+    // never answer, and the cookie holds the access token meanwhile.
+    if (m_desktop.clearWebSession)
         m_desktop.clearWebSession();
+    co_await m_client.auth().signOut();
 }
 
 void AppModel::switchWorkspace(const QString& id)

@@ -28,7 +28,11 @@ static_assert(int(WebViews::Decision::Browser) == int(WebPolicy::Decision::Brows
 
 WebViews::WebViews(QUrl origin, Auth& auth, AppModel& app, Appearance& appearance, QObject* parent)
     : QObject(parent), m_origin(std::move(origin)), m_auth(auth), m_app(app), m_appearance(appearance),
-      m_bridge(WebScripts::bridge())
+      m_bridge(WebScripts::bridge()),
+      m_session(m_origin, m_auth, [this](const QNetworkCookie& cookie, const QUrl& at) {
+          if (m_engine)
+              m_engine->setCookie(cookie, at);
+      })
 {
     // The session cookie follows the access token; a burst of changes (a
     // refresh, then the keychain write) rewrites it once.
@@ -36,6 +40,7 @@ WebViews::WebViews(QUrl origin, Auth& auth, AppModel& app, Appearance& appearanc
     m_refresher.setInterval(0);
     connect(&m_refresher, &QTimer::timeout, this, &WebViews::writeSessionCookie);
     connect(&m_auth, &Auth::tokensChanged, &m_refresher, qOverload<>(&QTimer::start));
+    connect(&m_app, &AppModel::phaseChanged, &m_refresher, qOverload<>(&QTimer::start));
     connect(&m_appearance, &Appearance::changed, this, &WebViews::applyTheme);
     connect(m_app.router(), &Router::routeChanged, this, [this] {
         if (!m_title.isEmpty()) {
@@ -136,12 +141,26 @@ bool WebViews::landed(const QUrl& url, bool alreadyRetried)
     if (!WebPolicy::sameHost(url, m_origin) || !WebPolicy::isSignInLanding(url))
         return false;
     if (!alreadyRetried) {
-        writeSessionCookie();
+        renewSession();
         return true;
     }
     // The fresh cookie did not help either: the session is over.
     m_app.signOut();
     return false;
+}
+
+QCoro::Task<> WebViews::renewSession()
+{
+    // The token held may have expired while its refresh token is good:
+    // Auth refreshes it first, and only a refused refresh ends the session.
+    QPointer<WebViews> self(this);
+    const bool renewed = co_await m_session.renew();
+    if (!self)
+        co_return;
+    if (renewed)
+        emit sessionRenewed();
+    else
+        m_app.signOut();
 }
 
 void WebViews::receive(const QString& json, const QUrl& sender)
@@ -167,19 +186,10 @@ void WebViews::receive(const QString& json, const QUrl& sender)
 
 void WebViews::writeSessionCookie()
 {
-    const auto tokens = m_auth.tokens();
-    if (!tokens || !m_engine)
-        return; // an engine started later writes it then
-    QNetworkCookie cookie(WebScripts::sessionCookieName(m_origin).toLatin1(), tokens->access.toUtf8());
-    // A host-only cookie: "__Host-" requires no domain, the path "/" and,
-    // over https, the secure flag.
-    cookie.setPath(QStringLiteral("/"));
-    cookie.setSecure(m_origin.scheme() == QLatin1String("https"));
-    cookie.setHttpOnly(true);
-    cookie.setExpirationDate(tokens->expiresAt);
-    QUrl at = m_origin;
-    at.setPath(QStringLiteral("/"));
-    m_engine->setCookie(cookie, at);
+    // Signing out clears the cookie before the tokens go: it must not come
+    // back in between. An engine started later writes it then.
+    if (m_app.phase() != AppModel::Phase::SignedOut)
+        m_session.write();
 }
 
 void WebViews::clearSession()

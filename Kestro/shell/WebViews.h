@@ -1,5 +1,7 @@
 #pragma once
 
+#include "WebSession.h"
+
 #include <QList>
 #include <QObject>
 #include <QPointer>
@@ -61,7 +63,8 @@ public:
     // Carries out a Route or Browser decision.
     Q_INVOKABLE void follow(const QUrl& url);
     // A page finished loading at `url`: true when it should load its path
-    // again (it landed on the sign-in page for the first time).
+    // again (it landed on the sign-in page for the first time), which it
+    // does at sessionRenewed, once the cookie holds a current token.
     Q_INVOKABLE bool landed(const QUrl& url, bool alreadyRetried);
     // A message from a page's bridge, as its JSON text, and the address of
     // the page that sent it.
@@ -79,8 +82,11 @@ signals:
     void titleChanged();
     // A web page's theme script, for views to run (and QML tests to see).
     void themePushed(const QString& script);
+    // The session cookie was written again after a page landed on sign-in.
+    void sessionRenewed();
 
 private:
+    QCoro::Task<> renewSession();
     QUrl m_origin;
     Auth& m_auth;
     AppModel& m_app;
@@ -94,6 +100,7 @@ private:
     QString m_relay;
     QString m_title;
     QTimer m_refresher;
+    WebSession m_session;
 };
 
 // The object a page's relay script calls, one per view, registered in the

@@ -49,6 +49,7 @@ struct World {
     int frameCalls = 0;
     int badgeClears = 0;
     int webClears = 0;
+    int revocationsAtWebClear = -1;
     int failFrames = 0; // the next n frame loads answer 500
     QString workspace = u"w1"_s;
     QString switchRefusal;
@@ -72,7 +73,10 @@ struct World {
             co_return browser ? browser(authorize) : std::nullopt;
         };
         desktop.clearBadge = [this] { ++badgeClears; };
-        desktop.clearWebSession = [this] { ++webClears; };
+        desktop.clearWebSession = [this] {
+            ++webClears;
+            revocationsAtWebClear = service.revocations;
+        };
         app = std::make_unique<AppModel>(*client, *router, std::move(desktop));
 
         service.setActionHandler([this](const QByteArray& module, const QByteArray& action,
@@ -139,7 +143,9 @@ private slots:
         QCOMPARE(world.router->route().path, u"/activity"_s);
         QVERIFY(!world.router->canGoBack());
         QTRY_COMPARE(world.webClears, 1);
-        QCOMPARE(world.service.revocations, 1);
+        QTRY_COMPARE(world.service.revocations, 1);
+        // The web session's cookie goes before the revoke is even asked.
+        QCOMPARE(world.revocationsAtWebClear, 0);
         QVERIFY(!world.auth->tokens());
 
         // The second time there is nothing to do.

@@ -8,6 +8,7 @@
 #include "shell/SingleInstance.h"
 #include "shell/WebPolicy.h"
 #include "shell/WebScripts.h"
+#include "shell/WebSession.h"
 
 #include "SignedInClient.h"
 
@@ -97,6 +98,44 @@ private slots:
         QCOMPARE(
             WebPolicy::decide(QUrl(u"http://127.0.0.1:8787"_s), QUrl(url), mainFrame, linkClicked, newWindow),
             decision);
+    }
+
+    void aPageOnTheSignInPageRenewsTheSession()
+    {
+        // The access token expired while the refresh token is good: the
+        // page's cookie gets a fresh token and nobody is signed out.
+        FakeService service;
+        QVERIFY(service.start());
+        MemorySecretStore store;
+        Auth auth(service.origin(), store);
+        const auto [access, refresh] = service.issueTokens();
+        blockingWait(auth.store(Tokens{access, refresh, QDateTime::currentDateTimeUtc().addSecs(-60)}));
+        QList<QNetworkCookie> written;
+        QList<QUrl> at;
+        WebSession session(service.origin(), auth, [&](const QNetworkCookie& cookie, const QUrl& origin) {
+            written.append(cookie);
+            at.append(origin);
+        });
+        QVERIFY(blockingWait(session.renew()));
+        QCOMPARE(service.tokenRequests, 1);
+        QCOMPARE(written.size(), 1);
+        QVERIFY(written[0].value() != access.toUtf8());
+        QVERIFY(service.isValidAccess(written[0].value()));
+        QCOMPARE(at[0].host(), service.origin().host());
+        QCOMPARE(at[0].port(), service.origin().port());
+        // Kept out of the profile's cookie database, and off other sites' requests.
+        QVERIFY(written[0].isSessionCookie());
+        QVERIFY(written[0].isHttpOnly());
+        QCOMPARE(written[0].sameSitePolicy(), QNetworkCookie::SameSite::Lax);
+        const QNetworkCookie secure = WebSession::cookieFor(QUrl(u"https://kestro.app"_s), u"t"_s);
+        QCOMPARE(secure.name(), QByteArray("__Host-kestro_app_token"));
+        QVERIFY(secure.isSecure() && secure.domain().isEmpty() && secure.path() == u"/"_s);
+
+        // Only a refused refresh ends the session.
+        blockingWait(
+            auth.store(Tokens{access, u"refresh-unknown"_s, QDateTime::currentDateTimeUtc().addSecs(-60)}));
+        QVERIFY(!blockingWait(session.renew()));
+        QCOMPARE(written.size(), 1);
     }
 
     void bridgeMessagesAreChecked()

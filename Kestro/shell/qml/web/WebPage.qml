@@ -15,6 +15,16 @@ Item {
     id: page
     property string path
     property bool retried: false
+    property bool renewing: false
+    Connections {
+        target: WebViews
+        function onSessionRenewed() {
+            if (!page.renewing)
+                return
+            page.renewing = false
+            view.url = WebViews.addressOf(page.path)
+        }
+    }
     property string failure: ""
     property bool missing: false
     readonly property bool loading: view.loading
@@ -74,8 +84,9 @@ Item {
         onLoadingChanged: info => {
             if (info.status === WebEngineView.LoadSucceededStatus) {
                 if (WebViews.landed(info.url, page.retried)) {
+                    // Loads again once the cookie holds a current token.
                     page.retried = true
-                    view.url = WebViews.addressOf(page.path)
+                    page.renewing = true
                 } else if (info.url.toString().indexOf("/login") < 0 && info.url.toString().indexOf("/signup") < 0) {
                     page.retried = false
                 }
