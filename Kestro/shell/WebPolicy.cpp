@@ -30,6 +30,21 @@ Decision decide(const QUrl& origin, const QUrl& url, bool mainFrame, bool linkCl
     return Decision::Browser;
 }
 
+Decision decideWindow(const QUrl& origin, const QUrl& url, bool userInitiated)
+{
+    if (!userInitiated)
+        return Decision::Cancel;
+    const Decision decision = decide(origin, url, true, true, true);
+    return decision == Decision::Allow ? Decision::Route : decision;
+}
+
+bool opensOutside(const QUrl& url)
+{
+    const QString scheme = url.scheme();
+    return url.isValid() && (scheme == QLatin1String("http") || scheme == QLatin1String("https") ||
+                             scheme == QLatin1String("mailto"));
+}
+
 bool isSignInLanding(const QUrl& url)
 {
     const QString path = url.path();

@@ -19,6 +19,16 @@ enum class Decision { Allow, Cancel, Route, Browser };
 // other sites' pages and windows open in the browser.
 Decision decide(const QUrl& origin, const QUrl& url, bool mainFrame, bool linkClicked, bool newWindow);
 
+// A new window a page asks for: refused unless the user asked for it (a
+// click), then decided as a link followed in the main frame. There is no
+// second window: the service's own pages open through the router.
+Decision decideWindow(const QUrl& origin, const QUrl& url, bool userInitiated);
+
+// Whether the desktop's opener may have this address: web pages and mail
+// only. A page must not start programs through other schemes (file:, a
+// desktop's own handlers...).
+bool opensOutside(const QUrl& url);
+
 // The page ended on the service's sign-in or sign-up page.
 bool isSignInLanding(const QUrl& url);
 

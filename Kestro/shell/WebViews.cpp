@@ -127,13 +127,20 @@ int WebViews::decide(const QUrl& url, bool mainFrame, bool linkClicked, bool new
     return int(WebPolicy::decide(m_origin, url, mainFrame, linkClicked, newWindow));
 }
 
+int WebViews::decideWindow(const QUrl& url, bool userInitiated) const
+{
+    return int(WebPolicy::decideWindow(m_origin, url, userInitiated));
+}
+
 void WebViews::follow(const QUrl& url)
 {
+    if (!WebPolicy::opensOutside(url))
+        return; // no other scheme leaves a web page
     // The router knows the service's own addresses from the rest.
-    if (url.scheme() == QLatin1String("http") || url.scheme() == QLatin1String("https"))
-        m_app.router()->open(url.toString(QUrl::FullyEncoded));
-    else
+    if (url.scheme() == QLatin1String("mailto"))
         QDesktopServices::openUrl(url);
+    else
+        m_app.router()->open(url.toString(QUrl::FullyEncoded));
 }
 
 bool WebViews::landed(const QUrl& url, bool alreadyRetried)

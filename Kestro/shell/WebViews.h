@@ -60,7 +60,10 @@ public:
     Q_INVOKABLE void attach(QQuickItem* view);
     // The navigation policy; `newWindow` for a page's request of one.
     Q_INVOKABLE int decide(const QUrl& url, bool mainFrame, bool linkClicked, bool newWindow = false) const;
-    // Carries out a Route or Browser decision.
+    // The policy for a page's request of a new window.
+    Q_INVOKABLE int decideWindow(const QUrl& url, bool userInitiated) const;
+    // Carries out a Route or Browser decision: http and https through the
+    // router, mailto to the desktop, nothing else.
     Q_INVOKABLE void follow(const QUrl& url);
     // A page finished loading at `url`: true when it should load its path
     // again (it landed on the sign-in page for the first time), which it

@@ -2,6 +2,7 @@
 // that the app loads the first time it shows a web page.
 
 #include "CallbackSchemeHandler.h"
+#include "SchemeGuard.h"
 #include "shell/WebEngine.h"
 
 #include <QNetworkCookie>
@@ -22,6 +23,7 @@ public:
         m_profile->setStorageName(QStringLiteral("Kestro"));
         m_profile->setPersistentCookiesPolicy(QQuickWebEngineProfile::AllowPersistentCookies);
         m_profile->setHttpUserAgent(m_profile->httpUserAgent() + QLatin1Char(' ') + m_hooks.userAgentSuffix);
+        m_profile->setUrlRequestInterceptor(new SchemeGuard(m_profile));
         auto* scheme = new CallbackSchemeHandler(m_profile);
         m_profile->installUrlSchemeHandler(QByteArrayLiteral("kestro"), scheme);
         QObject::connect(scheme, &CallbackSchemeHandler::received, m_profile, [this](const QUrl& url) {
@@ -61,7 +63,8 @@ extern "C" Q_DECL_EXPORT Kestro::WebEngine* kestro_make_web_engine(Kestro::WebEn
     // scheme; it must hear of it before its first profile.
     QWebEngineUrlScheme scheme(QByteArrayLiteral("kestro"));
     scheme.setSyntax(QWebEngineUrlScheme::Syntax::Host);
-    scheme.setFlags(QWebEngineUrlScheme::SecureScheme | QWebEngineUrlScheme::CorsEnabled);
+    // No CORS: no page has any business fetching a "kestro:" address.
+    scheme.setFlags(QWebEngineUrlScheme::SecureScheme);
     QWebEngineUrlScheme::registerScheme(scheme);
     return new Kestro::LoadedWebEngine(std::move(*hooks));
 }

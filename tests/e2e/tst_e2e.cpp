@@ -231,6 +231,28 @@ private slots:
         QTRY_COMPARE_WITH_TIMEOUT(text(u"pageTitle"_s), u"Customers"_s, 20000);
     }
 
+    void aPageCannotSteerTheAppThroughKestroAddresses()
+    {
+        // An image, a frame or a fetch of a "kestro:" address is no deep
+        // link: only the sign-in flow's own navigation reaches the app.
+        QObject* view = find(u"webPage"_s);
+        QVERIFY(view);
+        QQuickItem* web = nullptr;
+        for (QQuickItem* child : qobject_cast<QQuickItem*>(view)->childItems())
+            if (QByteArray(child->metaObject()->className()).contains("WebEngineView"))
+                web = child;
+        QVERIFY(web);
+        QVERIFY(QMetaObject::invokeMethod(
+            web, "runJavaScript",
+            Q_ARG(QString, u"const i = document.createElement('img'); i.src = 'kestro://settings';"
+                           "document.body.appendChild(i);"
+                           "const f = document.createElement('iframe'); f.src = 'kestro://settings/profile';"
+                           "document.body.appendChild(f);"
+                           "fetch('kestro://settings/appearance').catch(() => {});"_s)));
+        QTest::qWait(1500);
+        QCOMPARE(route(), u"/crm/customers"_s);
+    }
+
     void goesBackAndForward()
     {
         QTest::keyClick(window(), Qt::Key_BracketLeft, Qt::ControlModifier);

@@ -100,6 +100,27 @@ private slots:
             decision);
     }
 
+    void aPageOpensWindowsAndProgramsOnlyWhenItShould()
+    {
+        using D = WebPolicy::Decision;
+        const QUrl own(u"http://127.0.0.1:8787"_s);
+        // A window no click asked for never opens; one the user asked for
+        // goes through the router or to the browser.
+        QCOMPARE(WebPolicy::decideWindow(own, QUrl(u"https://example.com/"_s), false), D::Cancel);
+        QCOMPARE(WebPolicy::decideWindow(own, QUrl(u"http://127.0.0.1:8787/tasks"_s), false), D::Cancel);
+        QCOMPARE(WebPolicy::decideWindow(own, QUrl(u"https://example.com/"_s), true), D::Browser);
+        QCOMPARE(WebPolicy::decideWindow(own, QUrl(u"http://127.0.0.1:8787/tasks"_s), true), D::Route);
+        QCOMPARE(WebPolicy::decideWindow(own, QUrl(), true), D::Cancel);
+        // Only web pages and mail reach the desktop's opener.
+        for (const QString& fine :
+             {u"https://example.com/"_s, u"http://example.com/"_s, u"mailto:ada@example.com"_s})
+            QVERIFY2(WebPolicy::opensOutside(QUrl(fine)), qPrintable(fine));
+        for (const QString& refused :
+             {u"file:///etc/passwd"_s, u"kestro://settings"_s, u"javascript:alert(1)"_s,
+              u"smb://host/share"_s, u"vscode://file/x"_s, u"ftp://example.com/"_s, u""_s})
+            QVERIFY2(!WebPolicy::opensOutside(QUrl(refused)), qPrintable(refused));
+    }
+
     void aPageOnTheSignInPageRenewsTheSession()
     {
         // The access token expired while the refresh token is good: the

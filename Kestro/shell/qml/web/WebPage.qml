@@ -78,8 +78,11 @@ Item {
         }
         onNewWindowRequested: request => {
             // No second window: the service's pages open here through the
-            // router, other sites in the browser.
-            WebViews.follow(request.requestedUrl)
+            // router, other sites in the browser; a window no click asked
+            // for does not open at all.
+            const decision = WebViews.decideWindow(request.requestedUrl, request.userInitiated)
+            if (decision === WebViews.Route || decision === WebViews.Browser)
+                WebViews.follow(request.requestedUrl)
         }
         onLoadingChanged: info => {
             if (info.status === WebEngineView.LoadSucceededStatus) {
