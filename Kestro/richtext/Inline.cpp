@@ -200,9 +200,9 @@ bool isAllowedLink(const QString& address)
     const QUrl url(address);
     if (url.scheme().isEmpty())
         return true;
-    static const QStringList allowed{QStringLiteral("http"),   QStringLiteral("https"),
-                                     QStringLiteral("mailto"), QStringLiteral("xmpp"),
-                                     QStringLiteral("irc"),    QStringLiteral("ircs")};
+    static const QStringList allowed{
+        QStringLiteral("http"), QStringLiteral("https"), QStringLiteral("mailto"), QStringLiteral("xmpp"),
+        QStringLiteral("irc"),  QStringLiteral("ircs"),  QStringLiteral("app")};
     return allowed.contains(url.scheme().toLower());
 }
 
@@ -211,9 +211,14 @@ Target targetOf(const QString& address)
     static const QRegularExpression appPath = compiled("^/(?![/\\\\])[^\\s\\\\]*$");
     if (address.startsWith(QLatin1Char('#')))
         return Target::Anchor;
-    if (appPath.match(address).hasMatch())
+    if (appPath.match(appPathOf(address)).hasMatch())
         return Target::AppPath;
     return Target::System;
+}
+
+QString appPathOf(const QString& address)
+{
+    return address.startsWith(QLatin1String("app:")) ? address.mid(4) : address;
 }
 
 bool isOwnImage(const QString& path)

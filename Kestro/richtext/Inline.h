@@ -25,13 +25,16 @@ struct Run {
 // "#source-n" (paragraph text only: pass 0 elsewhere).
 QList<Run> style(const QString& text, int citations = 0);
 
-// Which link schemes stay live; a link without a scheme (an app path, an
+// Which link schemes stay live: the web, mail and chat schemes, and "app:"
+// for the app's own places; a link without a scheme (an app path, an
 // anchor) is kept too.
 bool isAllowedLink(const QString& address);
 
 // Where a click on a link goes.
 enum class Target { Anchor, AppPath, System };
 Target targetOf(const QString& address);
+// The path an app link opens: "/tasks" for "/tasks" and for "app:/tasks".
+QString appPathOf(const QString& address);
 
 // An image stored with a document of the service, fetched through the
 // signed-in client rather than the open web.

@@ -273,6 +273,11 @@ QString MarkdownDocument::linkTarget(const QString& address) const
     return QStringLiteral("system");
 }
 
+QString MarkdownDocument::appPath(const QString& address) const
+{
+    return Inline::appPathOf(address);
+}
+
 void MarkdownDocument::setText(const QString& text)
 {
     if (text == m_text)

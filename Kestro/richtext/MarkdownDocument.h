@@ -59,6 +59,8 @@ public:
 
     // Where a click on a link goes: "anchor", "app" or "system".
     Q_INVOKABLE QString linkTarget(const QString& address) const;
+    // The path an "app" link opens ("app:/tasks" opens "/tasks").
+    Q_INVOKABLE QString appPath(const QString& address) const;
 
 signals:
     void changed();

@@ -66,6 +66,8 @@ private slots:
         row("spaces kept", "a   b", 0, "a   b");
         row("link", "see [docs](https://kestro.app/docs)", 0, "see |[docs](https://kestro.app/docs)");
         row("app path link", "[tasks](/tasks?mine=1)", 0, "[tasks](/tasks?mine=1)");
+        row("app: link stays a link", "[revenue](app:/analytics/settings?tab=revenue)", 0,
+            "[revenue](app:/analytics/settings?tab=revenue)");
         row("javascript is text", "[x](javascript:alert(1))", 0, "x");
         row("file is text", "[x](file:///etc/passwd)", 0, "x");
         row("MAILTO stays live", "[mail](MAILTO:a@b.c)", 0, "[mail](MAILTO:a@b.c)");
@@ -108,6 +110,12 @@ private slots:
         QCOMPARE(targetOf(u"/a\\b"_s), Target::System);
         QCOMPARE(targetOf(u"/a b"_s), Target::System);
         QCOMPARE(targetOf(u"https://kestro.app"_s), Target::System);
+        // "app:" links are the app's places, not the system's.
+        QCOMPARE(targetOf(u"app:/analytics/settings?tab=revenue"_s), Target::AppPath);
+        QCOMPARE(appPathOf(u"app:/analytics/settings?tab=revenue"_s), u"/analytics/settings?tab=revenue"_s);
+        QCOMPARE(targetOf(u"app://evil.example"_s), Target::System);
+        QVERIFY(isAllowedLink(u"app:/tasks"_s));
+        QVERIFY(!isAllowedLink(u"javascript:alert(1)"_s));
     }
 
     void ownImages()

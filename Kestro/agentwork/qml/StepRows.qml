@@ -126,6 +126,7 @@ ColumnLayout {
                     }
                     Text {
                         visible: text.length > 0
+                        textFormat: Text.PlainText
                         text: isNaN(step.started) ? "" : Duration.text((step.now - step.started) / 1000)
                         color: Theme.muted
                         font.family: Theme.sans

@@ -183,6 +183,7 @@ ColumnLayout {
                 id: words
                 anchors.centerIn: parent
                 visible: row.markWords.length > 0
+                textFormat: Text.PlainText
                 text: row.markWords
                 color: Theme.busy
                 font.family: Theme.sans
@@ -242,6 +243,7 @@ ColumnLayout {
         }
         Text {
             visible: row.result.length > 0
+            textFormat: Text.PlainText
             text: row.failed ? "What went wrong" : "Came back"
             color: row.failed ? Theme.danger : Theme.muted
             font.family: Theme.sans

@@ -35,6 +35,7 @@ Row {
     }
     Text {
         anchors.verticalCenter: parent.verticalCenter
+        textFormat: Text.PlainText
         text: working.label + (working.elapsed.length > 0 ? " · " + working.elapsed : "")
         color: Theme.muted
         font.family: Theme.sans

@@ -24,6 +24,7 @@ Rectangle {
         y: 8
         width: parent.width - 24
         height: 22
+        textFormat: Text.PlainText
         text: menu.model.menuTitle
         color: Theme.muted
         font.family: Theme.sans
@@ -98,6 +99,7 @@ Rectangle {
                 id: labelText
                 x: menu.model.menuLabel === "Mention" || menu.model.menuLabel === "Link a doc" ? 32 : 8
                 anchors.verticalCenter: parent.verticalCenter
+                textFormat: Text.PlainText
                 text: row.label
                 color: Theme.text
                 font.family: row.mono ? Theme.mono : Theme.sans
@@ -109,6 +111,7 @@ Rectangle {
                 anchors.right: badgeText.left
                 anchors.rightMargin: 8
                 anchors.verticalCenter: parent.verticalCenter
+                textFormat: Text.PlainText
                 text: row.hint !== row.label ? row.hint : ""
                 color: Theme.muted
                 font.family: Theme.sans
@@ -120,6 +123,7 @@ Rectangle {
                 anchors.right: parent.right
                 anchors.rightMargin: 8
                 anchors.verticalCenter: parent.verticalCenter
+                textFormat: Text.PlainText
                 text: row.badge
                 color: Theme.muted
                 font.family: Theme.sans

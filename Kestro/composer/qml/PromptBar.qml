@@ -90,6 +90,7 @@ FocusScope {
         visible: bar.notice.length > 0
         anchors.fill: parent
         anchors.margins: 12
+        textFormat: Text.PlainText
         text: bar.notice
         wrapMode: Text.Wrap
         color: Theme.muted
@@ -311,6 +312,7 @@ FocusScope {
             anchors.right: sendButton.left
             anchors.rightMargin: 8
             anchors.verticalCenter: sendButton.verticalCenter
+            textFormat: Text.PlainText
             text: (bar.maxLength - bar.value.length) + " left"
             color: bar.value.length >= bar.maxLength ? Theme.danger : Theme.muted
             font.family: Theme.sans

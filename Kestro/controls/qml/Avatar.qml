@@ -37,6 +37,7 @@ Rectangle {
     Text {
         visible: avatar.robot.length === 0
         anchors.centerIn: parent
+        textFormat: Text.PlainText
         text: avatar.name.length > 0 ? avatar.name.charAt(0).toUpperCase() : "?"
         color: "white"
         font.family: "Plus Jakarta Sans"

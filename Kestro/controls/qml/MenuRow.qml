@@ -40,6 +40,7 @@ MenuItem {
             anchors.right: parent.right
             anchors.rightMargin: chordMetrics.advanceWidth
             anchors.verticalCenter: parent.verticalCenter
+            textFormat: Text.PlainText
             text: item.text
             font: item.font
             elide: Text.ElideRight
@@ -48,6 +49,7 @@ MenuItem {
         Text {
             anchors.right: parent.right
             anchors.verticalCenter: parent.verticalCenter
+            textFormat: Text.PlainText
             text: item.chord
             font: chordMetrics.font
             color: item.faint

@@ -28,6 +28,7 @@ Rectangle {
         }
         Text {
             Layout.fillWidth: true
+            textFormat: Text.PlainText
             text: failure.message
             horizontalAlignment: Text.AlignHCenter
             wrapMode: Text.WordWrap

@@ -16,6 +16,7 @@ Button {
     font.pixelSize: 14
     font.weight: Font.Medium
     contentItem: Text {
+        textFormat: Text.PlainText
         text: button.text
         font: button.font
         color: button.quiet ? Theme.text : Theme.accentText

@@ -20,6 +20,7 @@ RowLayout {
     }
     Text {
         visible: header.count >= 0
+        textFormat: Text.PlainText
         text: header.count
         font.family: Theme.sans
         font.pixelSize: 13

@@ -76,6 +76,7 @@ Item {
                     Layout.fillWidth: true
                     spacing: 0
                     Text {
+                        textFormat: Text.PlainText
                         text: chat.name
                         color: Theme.text
                         font.family: Theme.display
@@ -86,6 +87,7 @@ Item {
                     }
                     Text {
                         Layout.fillWidth: true
+                        textFormat: Text.PlainText
                         text: chat.agentTitle
                         elide: Text.ElideRight
                         color: Theme.muted
@@ -117,6 +119,7 @@ Item {
                     visible: chat.threadsNote.length > 0
                     height: visible ? implicitHeight + 8 : 0
                     x: 16
+                    textFormat: Text.PlainText
                     text: chat.threadsNote
                     color: Theme.muted
                     font.family: Theme.sans

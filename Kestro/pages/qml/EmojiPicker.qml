@@ -119,6 +119,7 @@ Popup {
                 contentItem: Text {
                     horizontalAlignment: Text.AlignHCenter
                     verticalAlignment: Text.AlignVCenter
+                    textFormat: Text.PlainText
                     text: cell.modelData[0]
                     font.pixelSize: 20
                 }

@@ -118,6 +118,7 @@ FocusScope {
                 }
                 Text {
                     anchors.baseline: parent.children[0].baseline
+                    textFormat: Text.PlainText
                     text: message.when
                     color: Theme.muted
                     font.family: Theme.sans
@@ -238,9 +239,9 @@ FocusScope {
                             rightPadding: 8
                             spacing: 6
                             Icon { name: "list-checks"; size: 13; color: Theme.muted; anchors.verticalCenter: parent.verticalCenter }
-                            Text { text: taskChip.owner.taskKey; color: Theme.muted; font.family: Theme.mono; font.pixelSize: 12 }
+                            Text { textFormat: Text.PlainText; text: taskChip.owner.taskKey; color: Theme.muted; font.family: Theme.mono; font.pixelSize: 12 }
                             Text { text: taskChip.owner.taskTitle; textFormat: Text.PlainText; color: Theme.text; font.family: Theme.sans; font.pixelSize: 12 }
-                            Text { text: taskChip.owner.taskStatus.replace("_", " "); color: Theme.muted; font.family: Theme.sans; font.pixelSize: 12 }
+                            Text { textFormat: Text.PlainText; text: taskChip.owner.taskStatus.replace("_", " "); color: Theme.muted; font.family: Theme.sans; font.pixelSize: 12 }
                         }
                     }
                 }
@@ -309,6 +310,7 @@ FocusScope {
                         }
                         Text {
                             visible: threadRow.owner.lastReply.length > 0
+                            textFormat: Text.PlainText
                             text: threadRow.owner.lastReply
                             color: Theme.muted
                             font.family: Theme.sans
@@ -323,6 +325,7 @@ FocusScope {
                             Layout.fillWidth: true
                             Layout.minimumWidth: 40
                             Layout.maximumWidth: implicitWidth
+                            textFormat: Text.PlainText
                             text: threadRow.owner.answeringLine
                             elide: Text.ElideRight
                             color: Theme.muted

@@ -105,6 +105,7 @@ Item {
                 delegate: Text {
                     required property string modelData
                     Layout.leftMargin: 24
+                    textFormat: Text.PlainText
                     text: modelData
                     color: Theme.busy
                     font.family: Theme.sans

@@ -70,6 +70,7 @@ Rectangle {
             visible: panel.room.threadNote.length > 0
             Layout.fillWidth: true
             Layout.leftMargin: 16
+            textFormat: Text.PlainText
             text: panel.room.threadNote
             color: Theme.muted
             font.family: Theme.sans

@@ -45,6 +45,7 @@ Flow {
             contentItem: Text {
                 horizontalAlignment: Text.AlignHCenter
                 verticalAlignment: Text.AlignVCenter
+                textFormat: Text.PlainText
                 text: chip.modelData.emoji + " " + chip.modelData.count
                 color: Theme.text
                 font.family: Theme.sans

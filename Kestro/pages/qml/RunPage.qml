@@ -191,6 +191,7 @@ Item {
                         Layout.topMargin: 6
                         spacing: 8
                         Text {
+                            textFormat: Text.PlainText
                             text: call.heading
                             color: Theme.text
                             font.family: Theme.sans

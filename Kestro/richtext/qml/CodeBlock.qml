@@ -47,6 +47,7 @@ Rectangle {
                 anchors.left: parent.left
                 anchors.leftMargin: 12
                 anchors.verticalCenter: parent.verticalCenter
+                textFormat: Text.PlainText
                 text: block.title !== "" ? block.title : block.lang
                 color: block.danger ? Theme.danger : Theme.muted
                 font.family: Theme.mono
@@ -115,6 +116,7 @@ Rectangle {
                             visible: block.numbers
                             width: 24
                             horizontalAlignment: Text.AlignRight
+                            textFormat: Text.PlainText
                             text: line.modelData.number
                             color: Theme.muted
                             font.family: Theme.mono

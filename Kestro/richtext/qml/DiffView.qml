@@ -25,6 +25,7 @@ Rectangle {
         id: message
         visible: diff.same
         anchors.centerIn: parent
+        textFormat: Text.PlainText
         text: CodeView.noChangeText()
         color: Theme.muted
         font.family: Theme.sans
@@ -53,6 +54,7 @@ Rectangle {
                             required property var modelData
                             width: 28
                             horizontalAlignment: Text.AlignRight
+                            textFormat: Text.PlainText
                             text: modelData > 0 ? modelData : ""
                             color: Theme.muted
                             font.family: Theme.mono
@@ -60,6 +62,7 @@ Rectangle {
                         }
                     }
                     Text {
+                        textFormat: Text.PlainText
                         text: (row.modelData.kind === "added" ? "+ " : row.modelData.kind === "removed" ? "- " : "  ") + row.modelData.text
                         color: Theme.text
                         font.family: Theme.mono

@@ -24,7 +24,7 @@ Item {
     function open(link: string) {
         switch (model.linkTarget(link)) {
         case "anchor": root.anchorClicked(link); break
-        case "app": root.pathClicked(link); break
+        case "app": root.pathClicked(model.appPath(link)); break
         default: Qt.openUrlExternally(link)
         }
     }

@@ -45,6 +45,7 @@ Column {
                     color: Theme.muted
                     font.family: Theme.sans
                     font.pixelSize: list.size
+                    textFormat: Text.PlainText
                     text: list.ordered ? (list.start + row.index) + "." : "•"
                 }
                 TaskBox {

@@ -48,6 +48,7 @@ Rectangle {
         spacing: 2
         Text {
             width: parent.width
+            textFormat: Text.PlainText
             text: "@" + card.user
             elide: Text.ElideRight
             font.family: Theme.sans
@@ -57,6 +58,7 @@ Rectangle {
         }
         Text {
             width: parent.width
+            textFormat: Text.PlainText
             text: "Post " + card.postId + " on X"
             elide: Text.ElideRight
             font.family: Theme.sans

@@ -34,6 +34,7 @@ Rectangle {
                 visible: App.switchError.length > 0
                 Layout.fillWidth: true
                 Layout.margins: 10
+                textFormat: Text.PlainText
                 text: App.switchError
                 wrapMode: Text.WordWrap
                 font.family: Theme.sans

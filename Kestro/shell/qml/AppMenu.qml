@@ -37,6 +37,7 @@ Menu {
         implicitHeight: 26
         contentItem: Text {
             leftPadding: 2
+            textFormat: Text.PlainText
             text: heading.text
             font.family: Theme.sans
             font.pixelSize: 11

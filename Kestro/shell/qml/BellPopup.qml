@@ -54,6 +54,7 @@ Popup {
             visible: Bell.error.length > 0
             Layout.fillWidth: true
             Layout.margins: 12
+            textFormat: Text.PlainText
             text: Bell.error
             wrapMode: Text.WordWrap
             font.family: Theme.sans
@@ -107,6 +108,7 @@ Popup {
                         spacing: 2
                         Text {
                             Layout.fillWidth: true
+                            textFormat: Text.PlainText
                             text: row.modelData.title
                             elide: Text.ElideRight
                             font.family: Theme.sans
@@ -116,6 +118,7 @@ Popup {
                         }
                         Text {
                             Layout.fillWidth: true
+                            textFormat: Text.PlainText
                             text: row.modelData.text
                             maximumLineCount: 2
                             wrapMode: Text.WordWrap

@@ -24,6 +24,7 @@ Rectangle {
         }
         Text {
             Layout.fillWidth: true
+            textFormat: Text.PlainText
             text: App.frameError
             horizontalAlignment: Text.AlignHCenter
             wrapMode: Text.WordWrap

@@ -42,6 +42,7 @@ Rectangle {
             objectName: "pageTitle"
             Layout.fillWidth: true
             Layout.leftMargin: 8
+            textFormat: Text.PlainText
             text: header.title
             elide: Text.ElideRight
             font.family: Theme.display
@@ -75,6 +76,7 @@ Rectangle {
                 Text {
                     id: count
                     anchors.centerIn: parent
+                    textFormat: Text.PlainText
                     text: Bell.unread > 99 ? "99+" : Bell.unread
                     color: "white"
                     font.family: Theme.sans

@@ -80,6 +80,7 @@ Popup {
             Layout.fillWidth: true
             Layout.margins: 22
             horizontalAlignment: Text.AlignHCenter
+            textFormat: Text.PlainText
             text: Commands.searching ? "Searching…" : (Commands.error.length > 0 ? Commands.error : "Nothing matches \u201c" + field.text + "\u201d.")
             wrapMode: Text.WordWrap
             font.family: Theme.sans
@@ -114,6 +115,7 @@ Popup {
                     spacing: 10
                     Icon { Layout.leftMargin: 10; name: row.modelData.icon; size: 16; color: Theme.muted }
                     Text {
+                        textFormat: Text.PlainText
                         text: row.modelData.title
                         elide: Text.ElideRight
                         Layout.maximumWidth: row.width * 0.6
@@ -123,6 +125,7 @@ Popup {
                     }
                     Text {
                         Layout.fillWidth: true
+                        textFormat: Text.PlainText
                         text: row.modelData.subtitle
                         elide: Text.ElideRight
                         font.family: Theme.sans
@@ -131,6 +134,7 @@ Popup {
                     }
                     Text {
                         Layout.rightMargin: 10
+                        textFormat: Text.PlainText
                         text: row.modelData.kind
                         font.family: Theme.sans
                         font.pixelSize: 11

@@ -65,6 +65,7 @@ Rectangle {
                     color: Theme.accent
                     Text {
                         anchors.centerIn: parent
+                        textFormat: Text.PlainText
                         text: (sidebar.frame.workspace ? sidebar.frame.workspace.name : "K").charAt(0)
                         color: "white"
                         font.family: Theme.display
@@ -78,6 +79,7 @@ Rectangle {
                     Text {
                         objectName: "workspaceName"
                         width: parent.width
+                        textFormat: Text.PlainText
                         text: sidebar.frame.workspace ? sidebar.frame.workspace.name : ""
                         elide: Text.ElideRight
                         font.family: Theme.sans
@@ -87,6 +89,7 @@ Rectangle {
                     }
                     Text {
                         width: parent.width
+                        textFormat: Text.PlainText
                         text: sidebar.frame.user ? sidebar.frame.user.name : ""
                         elide: Text.ElideRight
                         font.family: Theme.sans
@@ -184,6 +187,7 @@ Rectangle {
                             Text {
                                 visible: !sidebar.collapsed
                                 Layout.fillWidth: true
+                                textFormat: Text.PlainText
                                 text: mate.modelData.name + (mate.modelData.lead ? "  ·  lead" : "")
                                 elide: Text.ElideRight
                                 font.family: Theme.sans

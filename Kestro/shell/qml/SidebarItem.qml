@@ -51,6 +51,7 @@ AbstractButton {
             anchors.right: parent.right
             anchors.rightMargin: 10 + 6 + (row.count > 0 ? countMetrics.advanceWidth : 0)
             anchors.verticalCenter: parent.verticalCenter
+            textFormat: Text.PlainText
             text: row.label
             elide: Text.ElideRight
             font.family: Theme.sans
@@ -64,6 +65,7 @@ AbstractButton {
             anchors.rightMargin: 10
             anchors.verticalCenter: parent.verticalCenter
             width: visible ? implicitWidth : 0
+            textFormat: Text.PlainText
             text: row.count
             font: countMetrics.font
             color: Theme.muted

@@ -63,6 +63,7 @@ Rectangle {
             spacing: 8
             Text {
                 Layout.fillWidth: true
+                textFormat: Text.PlainText
                 text: "Finish signing in in your browser; Kestro opens again by itself."
                 wrapMode: Text.WordWrap
                 font.family: Theme.sans
@@ -79,6 +80,7 @@ Rectangle {
             objectName: "signInError"
             visible: App.signInError.length > 0
             Layout.fillWidth: true
+            textFormat: Text.PlainText
             text: App.signInError
             wrapMode: Text.WordWrap
             horizontalAlignment: Text.AlignHCenter
