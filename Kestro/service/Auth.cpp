@@ -6,6 +6,7 @@
 #include "KeychainStore.h"
 #include "LogRedaction.h"
 #include "ServiceOrigin.h"
+#include "TokenAnswer.h"
 #include "UserAgent.h"
 
 #include <QCryptographicHash>
@@ -16,9 +17,6 @@
 #include <QNetworkReply>
 #include <QRandomGenerator>
 #include <QUrlQuery>
-
-#include <algorithm>
-#include <cmath>
 
 namespace Kestro {
 
@@ -45,65 +43,6 @@ public:
     QList<QNetworkCookie> cookiesForUrl(const QUrl&) const override { return {}; }
     bool setCookiesFromUrl(const QList<QNetworkCookie>&, const QUrl&) override { return false; }
 };
-
-// The token endpoint's answer; a body that does not have this shape counts
-// as one with every member absent.
-struct TokenBody {
-    std::optional<QString> accessToken, refreshToken, errorDescription, error;
-    std::optional<double> expiresIn;
-
-    static TokenBody read(const QByteArray& bytes)
-    {
-        const QJsonDocument document = QJsonDocument::fromJson(bytes);
-        if (!document.isObject())
-            return {};
-        const QJsonObject object = document.object();
-        TokenBody body;
-        bool wellFormed = true;
-        auto text = [&](const char* key, std::optional<QString>& out) {
-            const QJsonValue value = object.value(QLatin1StringView(key));
-            if (value.isString())
-                out = value.toString();
-            else if (!value.isUndefined() && !value.isNull())
-                wellFormed = false;
-        };
-        text("access_token", body.accessToken);
-        text("refresh_token", body.refreshToken);
-        text("error_description", body.errorDescription);
-        text("error", body.error);
-        const QJsonValue expiresIn = object.value(QLatin1StringView("expires_in"));
-        if (expiresIn.isDouble())
-            body.expiresIn = expiresIn.toDouble();
-        else if (!expiresIn.isUndefined() && !expiresIn.isNull())
-            wellFormed = false;
-        return wellFormed ? body : TokenBody{};
-    }
-};
-
-// A token goes on every request in a header (the access token) or in a
-// form (the refresh token): only visible ASCII may travel there. A CR or LF
-// would let the answer add headers of its choosing to each call.
-bool usableToken(const QString& token)
-{
-    if (token.isEmpty())
-        return false;
-    for (const QChar c : token)
-        if (c.unicode() < 0x21 || c.unicode() > 0x7e)
-            return false;
-    return true;
-}
-
-// How long tokens last, in milliseconds: "expires_in" seconds, the default
-// when absent, and never past ten years nor before now, whatever the
-// number (1e300 must not wrap into an expiry in the past).
-qint64 lifetimeMs(std::optional<double> expiresIn)
-{
-    constexpr double tenYears = 10.0 * 365 * 24 * 3600;
-    double seconds = expiresIn.value_or(double(Auth::defaultLifetimeSeconds));
-    if (std::isnan(seconds))
-        seconds = Auth::defaultLifetimeSeconds;
-    return qint64(std::clamp(seconds, 0.0, tenYears) * 1000.0);
-}
 
 } // namespace
 
@@ -275,7 +214,7 @@ QCoro::Task<Tokens> Auth::tokenRequest(Form form)
 {
     const HttpAnswer answer =
         co_await exchange(m_network.post(formRequest(QStringLiteral("api/oauth/token")), encodeForm(form)));
-    const TokenBody body = TokenBody::read(answer.body);
+    const TokenAnswer body = TokenAnswer::read(answer.body);
     if (answer.status == 400 || answer.status == 401) {
         throw AuthError::refused(body.errorDescription ? *body.errorDescription
                                  : body.error          ? *body.error
@@ -284,7 +223,8 @@ QCoro::Task<Tokens> Auth::tokenRequest(Form form)
     if (answer.status == 200 && body.accessToken && body.refreshToken) {
         if (!usableToken(*body.accessToken) || !usableToken(*body.refreshToken))
             throw CallError::decode(QStringLiteral("the sign-in answer holds a token no request can carry"));
-        co_return Tokens{*body.accessToken, *body.refreshToken, now().addMSecs(lifetimeMs(body.expiresIn))};
+        co_return Tokens{*body.accessToken, *body.refreshToken,
+                         now().addMSecs(lifetimeMs(body.expiresIn, defaultLifetimeSeconds))};
     }
     throw CallError::http(answer.status, {});
 }

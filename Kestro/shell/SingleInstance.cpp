@@ -1,24 +1,86 @@
 #include "SingleInstance.h"
 
-#include <QCryptographicHash>
-#include <QLocalSocket>
+#include "HandOffLine.h"
 
+#include <QCryptographicHash>
+#include <QDir>
+#include <QLocalSocket>
+#include <QStandardPaths>
+
+#if defined(Q_OS_LINUX)
+#include <sys/socket.h>
 #include <unistd.h>
+#elif defined(Q_OS_MACOS)
+#include <sys/types.h>
+#include <unistd.h>
+#endif
 
 namespace Kestro {
 
+namespace {
+
+// Whether the process at the other end of `socket` runs as this user.
+// Where the platform cannot tell, the socket's place (a directory only the
+// user may enter, or a per-user pipe) is the check.
+bool sameUser([[maybe_unused]] const QLocalSocket& socket)
+{
+#if defined(Q_OS_LINUX)
+    ucred peer{};
+    socklen_t size = sizeof peer;
+    if (getsockopt(int(socket.socketDescriptor()), SOL_SOCKET, SO_PEERCRED, &peer, &size) != 0)
+        return false;
+    return peer.uid == geteuid();
+#elif defined(Q_OS_MACOS)
+    uid_t uid = 0;
+    gid_t gid = 0;
+    if (getpeereid(int(socket.socketDescriptor()), &uid, &gid) != 0)
+        return false;
+    return uid == geteuid();
+#else
+    return true;
+#endif
+}
+
+QString runtimeDirectory()
+{
+    QString dir = QStandardPaths::writableLocation(QStandardPaths::RuntimeLocation);
+    if (dir.isEmpty())
+        dir = QDir::tempPath();
+    return dir;
+}
+
+} // namespace
+
 SingleInstance::SingleInstance(QString name, QObject* parent) : QObject(parent), m_name(std::move(name))
 {
+    m_server.setSocketOptions(QLocalServer::UserAccessOption);
     connect(&m_server, &QLocalServer::newConnection, this, [this] {
-        while (QLocalSocket* socket = m_server.nextPendingConnection()) {
-            connect(socket, &QLocalSocket::disconnected, socket, &QObject::deleteLater);
-            connect(socket, &QLocalSocket::readyRead, this, [this, socket] {
-                while (socket->canReadLine()) {
-                    const QByteArray line = socket->readLine().trimmed();
-                    emit received(line.isEmpty() ? QUrl() : QUrl(QString::fromUtf8(line)));
-                }
-            });
+        while (QLocalSocket* socket = m_server.nextPendingConnection())
+            serve(socket);
+    });
+}
+
+SingleInstance::~SingleInstance() = default;
+
+void SingleInstance::serve(QLocalSocket* socket)
+{
+    connect(socket, &QLocalSocket::disconnected, socket, &QObject::deleteLater);
+    if (!sameUser(*socket)) {
+        socket->abort();
+        return;
+    }
+    connect(socket, &QLocalSocket::readyRead, this, [this, socket] {
+        while (socket->canReadLine()) {
+            const QByteArray line = socket->readLine(handOffLineLimit + 2);
+            if (!line.endsWith('\n')) {
+                socket->abort(); // longer than any address a launch hands over
+                return;
+            }
+            if (const std::optional<QUrl> url = readHandOffLine(line))
+                emit received(*url);
         }
+        if (socket->bytesAvailable() > handOffLineLimit)
+            socket->abort();
     });
 }
 
@@ -26,13 +88,24 @@ QString SingleInstance::nameFor(const QUrl& origin)
 {
     const QByteArray hash =
         QCryptographicHash::hash(origin.toString().toUtf8(), QCryptographicHash::Sha256).toHex().left(12);
-    return QStringLiteral("kestro-%1-%2").arg(getuid()).arg(QString::fromLatin1(hash));
+    return QStringLiteral("kestro-") + QString::fromLatin1(hash);
+}
+
+QString SingleInstance::socketName() const
+{
+#if defined(Q_OS_WIN)
+    // A pipe name: made per user by the user's name, and closed to others
+    // by UserAccessOption.
+    return m_name + QLatin1Char('-') + qEnvironmentVariable("USERNAME");
+#else
+    return runtimeDirectory() + QLatin1Char('/') + m_name + QStringLiteral(".socket");
+#endif
 }
 
 bool SingleInstance::handOff(const QList<QUrl>& urls)
 {
     QLocalSocket socket;
-    socket.connectToServer(m_name);
+    socket.connectToServer(socketName());
     if (!socket.waitForConnected(500))
         return false;
     QByteArray message;
@@ -48,11 +121,20 @@ bool SingleInstance::handOff(const QList<QUrl>& urls)
 
 bool SingleInstance::listen()
 {
-    if (m_server.listen(m_name))
+    // The lock decides who serves: a socket file left by a crashed
+    // instance is taken over, one of a live instance never is.
+    m_lock =
+        std::make_unique<QLockFile>(runtimeDirectory() + QLatin1Char('/') + m_name + QStringLiteral(".lock"));
+    m_lock->setStaleLockTime(0);
+    if (!m_lock->tryLock(0)) {
+        m_lock.reset();
+        return false;
+    }
+    const QString name = socketName();
+    if (m_server.listen(name))
         return true;
-    // A name left behind by a crashed instance: nobody answered handOff().
-    QLocalServer::removeServer(m_name);
-    return m_server.listen(m_name);
+    QLocalServer::removeServer(name);
+    return m_server.listen(name);
 }
 
 } // namespace Kestro

@@ -3,6 +3,7 @@
 // route, the palette's list and the bell against a fake service.
 
 #include "shell/BellModel.h"
+#include "shell/HandOffLine.h"
 #include "shell/PageCatalog.h"
 #include "shell/PaletteModel.h"
 #include "shell/SingleInstance.h"
@@ -12,7 +13,9 @@
 
 #include "SignedInClient.h"
 
+#include <QFileInfo>
 #include <QJsonArray>
+#include <QLocalSocket>
 #include <QSignalSpy>
 #include <QTest>
 
@@ -259,6 +262,29 @@ private slots:
         QVERIFY(second.handOff({}));
         QTRY_COMPARE(received.count(), 3);
         QVERIFY(received.at(2).at(0).toUrl().isEmpty());
+
+        // One serves: the lock keeps a third from taking the socket over.
+        SingleInstance third(name);
+        QVERIFY(!third.listen());
+        // The socket is the user's alone.
+        const QFileInfo socketFile(first.address());
+        QVERIFY2(socketFile.exists() && !(socketFile.permissions() & (QFile::ReadOther | QFile::WriteOther)),
+                 qPrintable(first.address()));
+
+        // Only "kestro:" addresses are taken, and an endless line ends the
+        // connection instead of filling memory.
+        QLocalSocket raw;
+        raw.connectToServer(first.address());
+        QVERIFY(raw.waitForConnected(1000));
+        raw.write("file:///etc/passwd\nhttps://evil.example/\nkestro://tasks\n");
+        QTRY_COMPARE(received.count(), 4);
+        QCOMPARE(received.at(3).at(0).toUrl(), QUrl(u"kestro://tasks"_s));
+        raw.write(QByteArray(9000, 'k'));
+        QTRY_COMPARE(raw.state(), QLocalSocket::UnconnectedState);
+        QCOMPARE(received.count(), 4);
+        QCOMPARE(readHandOffLine("kestro://kest\r\n"), std::optional<QUrl>(QUrl(u"kestro://kest"_s)));
+        QCOMPARE(readHandOffLine("\n"), std::optional<QUrl>(QUrl()));
+        QCOMPARE(readHandOffLine("kestro:// bad url"), std::nullopt);
     }
 
     void bellCountsReadsAndClears()
