@@ -137,8 +137,10 @@ QCoro::Task<> AppModel::runSignIn()
                 if (!self)
                     co_return;
                 // Signed in, but the workspace did not load: the failure
-                // page's "Try again" takes it from here.
-                failure = m_frameError;
+                // page shows, and its "Try again" loads the frame with the
+                // tokens just stored, without a second sign-in.
+                if (!m_frameError.isEmpty())
+                    setPhase(Phase::Launching);
             }
         }
     } catch (const std::exception& error) {
@@ -267,7 +269,10 @@ void AppModel::signOutFromService()
 
 void AppModel::restartDataRefresh()
 {
-    if (m_phase != Phase::SignedIn)
+    // A frame load in flight refreshes the frame already, and a revalidate
+    // on the frame's own answer would otherwise start the next one, and so
+    // on without end.
+    if (m_phase != Phase::SignedIn || m_loadingFrame)
         return;
     m_router.setTick(m_router.tick() + 1);
     loadFrame();

@@ -50,7 +50,9 @@ struct World {
     int badgeClears = 0;
     int webClears = 0;
     int revocationsAtWebClear = -1;
-    int failFrames = 0; // the next n frame loads answer 500
+    int failFrames = 0;            // the next n frame loads answer 500
+    bool revalidateFrames = false; // frame answers ask for a data refresh
+    int signIns = 0;
     QString workspace = u"w1"_s;
     QString switchRefusal;
     std::function<std::optional<QUrl>(const QUrl&)> browser; // the sign-in sheet's stand-in
@@ -70,6 +72,7 @@ struct World {
                                           [this](const QUrl& url) { browsed.append(url); });
         AppModel::Desktop desktop;
         desktop.authenticate = [this](QUrl authorize) -> QCoro::Task<std::optional<QUrl>> {
+            ++signIns;
             co_return browser ? browser(authorize) : std::nullopt;
         };
         desktop.clearBadge = [this] { ++badgeClears; };
@@ -88,9 +91,10 @@ struct World {
                     --failFrames;
                     return {500, "down"};
                 }
-                return jsonAnswer(frameOf(workspace,
-                                          workspace == u"w1"_s ? u"Northwind Studio"_s : u"Lakeside Labs"_s,
-                                          workspace == u"w1"_s ? u"owner"_s : u"viewer"_s));
+                return jsonAnswer(
+                    frameOf(workspace, workspace == u"w1"_s ? u"Northwind Studio"_s : u"Lakeside Labs"_s,
+                            workspace == u"w1"_s ? u"owner"_s : u"viewer"_s),
+                    revalidateFrames ? QJsonObject{{u"revalidate"_s, QJsonArray{u"/"_s}}} : QJsonObject{});
             }
             if (module == "app" && action == "switchWorkspaceAction") {
                 if (!switchRefusal.isEmpty())
@@ -166,6 +170,39 @@ private slots:
         world.app->reload();
         QTRY_COMPARE(world.app->phase(), AppModel::Phase::SignedIn);
         QVERIFY(world.app->frameError().isEmpty());
+    }
+
+    void aFrameThatFailsAfterSignInIsTriedAgainWithoutSigningInAgain()
+    {
+        World world(false);
+        world.app->start();
+        QTRY_COMPARE(world.app->phase(), AppModel::Phase::SignedOut);
+        world.browser = [&world](const QUrl& authorize) {
+            return std::optional<QUrl>(world.service.approve(authorize));
+        };
+        world.failFrames = 1;
+        world.app->signIn();
+        QTRY_VERIFY(!world.app->isSigningIn());
+        // The failure page, not the sign-in card.
+        QCOMPARE(world.app->phase(), AppModel::Phase::Launching);
+        QCOMPARE(world.app->frameError(), u"The server answered 500."_s);
+        QVERIFY(world.app->signInError().isEmpty());
+        world.app->reload();
+        QTRY_COMPARE(world.app->phase(), AppModel::Phase::SignedIn);
+        QCOMPARE(world.signIns, 1);
+    }
+
+    void aRevalidateOnTheFrameDoesNotLoop()
+    {
+        World world(true);
+        world.app->start();
+        QTRY_COMPARE(world.app->phase(), AppModel::Phase::SignedIn);
+        world.revalidateFrames = true;
+        const int frames = world.frameCalls;
+        world.app->restartDataRefresh();
+        QTRY_COMPARE(world.frameCalls, frames + 1);
+        QTest::qWait(500);
+        QCOMPARE(world.frameCalls, frames + 1);
     }
 
     void signInThroughTheWebSession()
