@@ -94,7 +94,9 @@ struct World {
                 return jsonAnswer(
                     frameOf(workspace, workspace == u"w1"_s ? u"Northwind Studio"_s : u"Lakeside Labs"_s,
                             workspace == u"w1"_s ? u"owner"_s : u"viewer"_s),
-                    revalidateFrames ? QJsonObject{{u"revalidate"_s, QJsonArray{u"/"_s}}} : QJsonObject{});
+                    revalidateFrames
+                        ? QJsonObject{{u"revalidate"_s, QJsonArray{QJsonObject{{u"path"_s, u"/"_s}}}}}
+                        : QJsonObject{});
             }
             if (module == "app" && action == "switchWorkspaceAction") {
                 if (!switchRefusal.isEmpty())
@@ -203,6 +205,7 @@ private slots:
         QTRY_COMPARE(world.frameCalls, frames + 1);
         QTest::qWait(500);
         QCOMPARE(world.frameCalls, frames + 1);
+        QVERIFY(world.app->frameError().isEmpty());
     }
 
     void signInThroughTheWebSession()
