@@ -9,12 +9,14 @@
 #include "TokenAnswer.h"
 #include "UserAgent.h"
 
+#include <QCoroSignal>
 #include <QCryptographicHash>
 #include <QJsonDocument>
 #include <QJsonObject>
 #include <QNetworkCookie>
 #include <QNetworkCookieJar>
 #include <QNetworkReply>
+#include <QPointer>
 #include <QRandomGenerator>
 #include <QUrlQuery>
 
@@ -250,11 +252,28 @@ QCoro::Task<> Auth::load()
 
 QCoro::Task<std::optional<Tokens>> Auth::readStored()
 {
-    // A failed read or an item that does not decode means signed out.
-    const SecretStore::ReadResult read = co_await m_store.read(keychainKey());
-    if (!read.data)
+    // A failed read or an item that does not decode means signed out. A
+    // store that never answers (a hung keyring daemon) means the same once
+    // the deadline passes, rather than an endless launch.
+    QPointer<Auth> self(this);
+    auto read = std::make_shared<std::optional<SecretStore::ReadResult>>();
+    [](QPointer<Auth> auth, SecretStore& store, QString key,
+       std::shared_ptr<std::optional<SecretStore::ReadResult>> into) -> QCoro::Task<> {
+        *into = co_await store.read(key);
+        if (auth)
+            emit auth->storeAnswered();
+    }(self, m_store, keychainKey(), read);
+    if (!*read && !co_await qCoro(this, &Auth::storeAnswered, m_storeDeadline)) {
+        if (self)
+            m_storeProblem = QStringLiteral("The secret store did not answer, so Kestro could not read your "
+                                            "sign-in. Check that GNOME Keyring or KWallet is running and "
+                                            "unlocked, then sign in.");
         co_return std::nullopt;
-    co_return Tokens::fromJson(*read.data);
+    }
+    m_storeProblem = (*read)->outcome.description();
+    if (!(*read)->data)
+        co_return std::nullopt;
+    co_return Tokens::fromJson(*(*read)->data);
 }
 
 void Auth::adopt(std::optional<Tokens> tokens)

@@ -5,8 +5,10 @@
 
 #include <QCoroTask>
 #include <QNetworkAccessManager>
+
 #include <QObject>
 #include <QUrl>
+#include <chrono>
 
 #include <functional>
 #include <map>
@@ -60,13 +62,19 @@ public:
     QCoro::Task<> store(std::optional<Tokens> tokens);
 
     std::optional<Tokens> tokens() const { return m_tokens; }
-    // For tests: what "now" is.
+    // Why the stored sign-in could not be read, as a sentence; empty when
+    // it was (or there was none).
+    QString storeProblem() const { return m_storeProblem; }
+    // For tests: what "now" is, and how long the store may take to answer.
     void setClock(std::function<QDateTime()> clock) { m_clock = std::move(clock); }
+    void setStoreDeadline(std::chrono::milliseconds deadline) { m_storeDeadline = deadline; }
 
 signals:
     // The held tokens changed: signed in, refreshed, or signed out. The web
     // session cookie follows the access token through this.
     void tokensChanged();
+    // The secret store answered the read of the stored sign-in.
+    void storeAnswered();
 
 private:
     using Form = std::map<QString, QString>; // sorted by name, as the form is written
@@ -88,6 +96,9 @@ private:
     std::function<QDateTime()> m_clock;
 
     std::optional<Tokens> m_tokens;
+    // Long enough to type a keyring's password into its unlock prompt.
+    std::chrono::milliseconds m_storeDeadline{60'000};
+    QString m_storeProblem;
     bool m_loaded = false;
     std::optional<SharedTask<bool>> m_loading;
     std::optional<SharedTask<std::optional<Tokens>>> m_refreshing;

@@ -62,6 +62,8 @@ QCoro::Task<> AppModel::runStart()
     if (!self)
         co_return;
     if (!token) {
+        // A store that could not be read says why on the sign-in card.
+        setSignInError(m_client.auth().storeProblem());
         setPhase(Phase::SignedOut);
         co_return;
     }

@@ -11,11 +11,13 @@
 #include "service/LogRedaction.h"
 #include "service/MemorySecretStore.h"
 
+#include <QCoroSignal>
 #include <QCryptographicHash>
 #include <QJsonDocument>
 #include <QJsonObject>
 #include <QRegularExpression>
 #include <QTest>
+#include <QTimer>
 #include <QUrlQuery>
 
 using namespace Kestro;
@@ -47,6 +49,21 @@ struct Rig {
         store.items.insert(key(), tokens.toJson());
         return tokens;
     }
+};
+
+// A secret store that never answers, like a hung keyring daemon.
+class SilentStore final : public SecretStore {
+public:
+    QCoro::Task<ReadResult> read(QString) override
+    {
+        co_await qCoro(&m_never, &QTimer::timeout);
+        co_return ReadResult{};
+    }
+    QCoro::Task<Outcome> write(QString, QByteArray) override { co_return Outcome{}; }
+    QCoro::Task<Outcome> remove(QString) override { co_return Outcome{}; }
+
+private:
+    QTimer m_never;
 };
 
 template <typename Error, typename T> Error failure(QCoro::Task<T> task)
@@ -171,6 +188,18 @@ private slots:
         QCOMPARE(failure<AuthError>(rig.auth->finish(rig.service.approve(a.url), a)),
                  AuthError::refused(u"Sign in again."_s));
         QVERIFY(!rig.store.items.contains(rig.key()));
+    }
+
+    void aStoreThatNeverAnswersMeansSignedOutWithAReason()
+    {
+        FakeService service;
+        QVERIFY(service.start());
+        SilentStore silent;
+        Auth auth(service.origin(), silent);
+        auth.setStoreDeadline(std::chrono::milliseconds(200));
+        QCOMPARE(blockingWait(auth.accessToken()), std::nullopt);
+        QVERIFY2(auth.storeProblem().startsWith(u"The secret store did not answer"_s),
+                 qPrintable(auth.storeProblem()));
     }
 
     void tokenAnswersAreCheckedBeforeUse()
