@@ -18,6 +18,11 @@ struct ActionContext {
 
     void changed(const std::string& path) { effects["revalidate"].push_back({{"path", path}}); }
     void notFound() { effects["notFound"] = true; }
+    // A record the caller named by its id, when it is their workspace's.
+    std::optional<json> own(const std::string& kind, const std::string& id) const
+    {
+        return service.store.get(kind, id, caller.workspace);
+    }
     // Read-only roles get the refusal in-band, as every changing action does.
     std::optional<json> refuseReadOnly() const
     {

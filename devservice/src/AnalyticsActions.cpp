@@ -61,7 +61,7 @@ const char* const screens[] = {"1920x1080", "1440x900", "390x844", "2560x1440", 
 json siteOf(ActionContext& ctx, const json& args)
 {
     const std::string siteId = text(args, 0, "siteId");
-    const auto site = ctx.service.store.get("site", siteId);
+    const auto site = ctx.own("site", siteId);
     if (!site)
         throw RequestError(404, "There is no site " + siteId + ".");
     return *site;

@@ -150,7 +150,7 @@ json sendMessage(ActionContext& ctx, const json& args)
     const json input = object(args, 0, "input");
     const std::string threadId = memberText(input, "threadId").value_or("");
     const std::string body = memberText(input, "text").value_or("");
-    auto thread = ctx.service.store.get("dmthread", threadId);
+    auto thread = ctx.own("dmthread", threadId);
     if (!thread || (*thread)["user"] != ctx.caller.user)
         return {{"error", "That conversation is gone. Start a new one."}};
     if (body.find_first_not_of(" \t\r\n") == std::string::npos)

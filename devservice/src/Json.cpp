@@ -3,8 +3,8 @@
 #include <chrono>
 #include <cmath>
 #include <ctime>
-#include <mutex>
-#include <random>
+#include <openssl/rand.h>
+#include <stdexcept>
 
 namespace devservice {
 
@@ -26,34 +26,30 @@ std::string iso(double seconds)
     return text;
 }
 
-namespace {
-std::mt19937_64& engine()
-{
-    static std::mt19937_64 e{std::random_device{}()};
-    return e;
-}
-std::mutex engineMutex;
-} // namespace
-
 std::string randomToken(int length)
 {
+    // Codes and tokens are secrets: drawn from the system's cryptographic
+    // source, each byte's low six bits picking one of 64 letters evenly.
     static const char alphabet[] = "abcdefghijklmnopqrstuvwxyzABCDEFGHIJKLMNOPQRSTUVWXYZ0123456789-_";
-    std::lock_guard lock(engineMutex);
-    std::uniform_int_distribution<int> pick(0, 63);
-    std::string out(size_t(length), ' ');
-    for (char& c : out)
-        c = alphabet[pick(engine())];
-    return out;
+    std::string bytes(size_t(length), '\0');
+    if (RAND_bytes(reinterpret_cast<unsigned char*>(bytes.data()), length) != 1)
+        throw std::runtime_error("The system's random source failed.");
+    for (char& c : bytes)
+        c = alphabet[static_cast<unsigned char>(c) & 63];
+    return bytes;
 }
 
 std::string newId(const std::string& prefix)
 {
     static const char hex[] = "0123456789abcdef";
-    std::lock_guard lock(engineMutex);
-    std::uniform_int_distribution<int> pick(0, 15);
+    unsigned char bytes[5];
+    if (RAND_bytes(bytes, sizeof bytes) != 1)
+        throw std::runtime_error("The system's random source failed.");
     std::string out = prefix + "_";
-    for (int i = 0; i < 10; ++i)
-        out += hex[pick(engine())];
+    for (const unsigned char b : bytes) {
+        out += hex[b >> 4];
+        out += hex[b & 15];
+    }
     return out;
 }
 

@@ -154,7 +154,7 @@ json kestChat(ActionContext& ctx, const json& args)
                    {"answering", answeringIn(runs, "")},
                    {"reads", true}};
     if (threadId) {
-        const auto first = s.store.get("message", *threadId);
+        const auto first = ctx.own("message", *threadId);
         if (!first) {
             ctx.notFound();
         } else {
@@ -232,7 +232,7 @@ json postKestMessage(ActionContext& ctx, const json& args)
     if (text.find_first_not_of(" \t\r\n") == std::string::npos)
         return {{"error", "Tell us what you need first, then press Send."}};
     const auto threadId = memberText(input, "threadId");
-    if (threadId && !s.store.get("message", *threadId))
+    if (threadId && !ctx.own("message", *threadId))
         return {{"error", "That thread is gone. Start a new message instead."}};
     const json author = s.person(ctx.caller.user);
     // The answers already running in the thread the message goes to.
@@ -321,7 +321,7 @@ json reactInKest(ActionContext& ctx, const json& args)
         return *refusal;
     const std::string messageId = text(args, 0, "messageId");
     const std::string emoji = text(args, 1, "emoji");
-    auto message = ctx.service.store.get("message", messageId);
+    auto message = ctx.own("message", messageId);
     if (!message)
         return {{"error", "That message is gone."}};
     json& reactions = (*message)["reactions"];
@@ -416,7 +416,7 @@ json runPage(ActionContext& ctx, const json& args)
 {
     const std::string handle = text(args, 0, "handle");
     const std::string runId = text(args, 1, "runId");
-    const auto run = ctx.service.store.get("run", runId);
+    const auto run = ctx.own("run", runId);
     const json mate = ctx.service.teammate(ctx.caller.workspace, handle);
     if (!run || mate.is_null() || (*run)["agent"] != handle) {
         ctx.notFound();

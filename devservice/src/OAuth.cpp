@@ -70,16 +70,34 @@ std::string issueCode(Service& service, const std::string& user, const std::stri
     return code;
 }
 
-json issueTokens(Service& service, const std::string& user)
+// Tokens of one sign-in form a family: the code's, carried along each
+// refresh. A code or refresh token used twice means someone else holds a
+// copy, so the whole family is revoked.
+json issueTokens(Service& service, const std::string& user, const std::string& family)
 {
     const std::string access = "at_" + randomToken(40);
     const std::string refresh = "rt_" + randomToken(40);
-    service.store.put("access", access, "", {{"user", user}, {"expires", now() + service.options.tokenTtl}});
-    service.store.put("refresh", refresh, "", {{"user", user}, {"access", access}});
+    service.store.put("access", access, "",
+                      {{"token", access},
+                       {"user", user},
+                       {"family", family},
+                       {"expires", now() + service.options.tokenTtl}});
+    service.store.put("refresh", refresh, "",
+                      {{"token", refresh}, {"user", user}, {"access", access}, {"family", family}});
     return {{"access_token", access},
             {"refresh_token", refresh},
             {"token_type", "Bearer"},
             {"expires_in", service.options.tokenTtl}};
+}
+
+void revokeFamily(Service& service, const std::string& family)
+{
+    for (const char* kind : {"access", "refresh"})
+        for (json token : service.store.list(kind))
+            if (token.value("family", "") == family && token.contains("token")) {
+                token["revoked"] = true;
+                service.store.put(kind, token["token"].get<std::string>(), "", token);
+            }
 }
 
 std::string consentPage(const httplib::Request& r, Service& service)
@@ -197,6 +215,8 @@ void installOAuth(httplib::Server& server, Service& service)
                 const std::string code = r.get_param_value("code");
                 const auto found = service.store.get("code", code);
                 if (!found || (*found)["used"].get<bool>()) {
+                    if (found)
+                        revokeFamily(service, code);
                     refusal = "This sign-in code was already used or never issued. Sign in again.";
                     return;
                 }
@@ -211,18 +231,21 @@ void installOAuth(httplib::Server& server, Service& service)
                          (*found)["challenge"].get<std::string>())
                     refusal = "This sign-in's proof key does not match. Sign in again.";
                 else
-                    answer = issueTokens(service, (*found)["user"].get<std::string>());
+                    answer = issueTokens(service, (*found)["user"].get<std::string>(), code);
             } else if (grant == "refresh_token") {
                 const std::string refresh = r.get_param_value("refresh_token");
                 const auto found = service.store.get("refresh", refresh);
                 if (!found || found->value("used", false) || found->value("revoked", false)) {
+                    if (found && found->value("used", false))
+                        revokeFamily(service, found->value("family", ""));
                     refusal = "Your session ended. Sign in again.";
                     return;
                 }
                 json rotated = *found;
                 rotated["used"] = true; // the old refresh token stops working
                 service.store.put("refresh", refresh, "", rotated);
-                answer = issueTokens(service, (*found)["user"].get<std::string>());
+                answer = issueTokens(service, (*found)["user"].get<std::string>(),
+                                     found->value("family", refresh));
             } else {
                 refusal = "Kestro does not give tokens for \"" + grant + "\".";
             }

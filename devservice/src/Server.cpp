@@ -7,6 +7,7 @@
 #include <httplib.h>
 
 #include <chrono>
+#include <cstdio>
 #include <fstream>
 #include <mutex>
 #include <random>
@@ -64,7 +65,10 @@ void handleAction(Service& service, const ActionTable& table, const httplib::Req
     } catch (const RequestError& error) {
         jsonError(response, error.status, error.what());
     } catch (const std::exception& error) {
-        jsonError(response, 500, std::string("The local service failed: ") + error.what());
+        // The details stay in the service's log: an answer never tells
+        // the caller how the service works inside.
+        std::fprintf(stderr, "kestro-devservice: %s failed: %s\n", request.path.c_str(), error.what());
+        jsonError(response, 500, "The local service failed to answer. Try again.");
     }
 }
 

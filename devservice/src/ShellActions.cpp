@@ -115,7 +115,7 @@ json readNotifications(ActionContext& ctx, const json& args)
 {
     const std::vector<std::string> ids = texts(args, 0, "ids");
     for (const std::string& id : ids) {
-        auto n = ctx.service.store.get("notification", id);
+        auto n = ctx.own("notification", id);
         if (n && (*n)["user"] == ctx.caller.user) {
             (*n)["read"] = true;
             ctx.service.store.put("notification", id, ctx.caller.workspace, *n);

@@ -88,6 +88,16 @@ std::optional<json> Store::get(const std::string& kind, const std::string& id)
     return json::parse(s.text(0));
 }
 
+std::optional<json> Store::get(const std::string& kind, const std::string& id, const std::string& workspace)
+{
+    std::lock_guard lock(m_mutex);
+    Statement s(m_db, "SELECT body FROM docs WHERE kind = ?1 AND id = ?2 AND workspace = ?3");
+    s.bind(1, kind).bind(2, id).bind(3, workspace);
+    if (!s.step())
+        return std::nullopt;
+    return json::parse(s.text(0));
+}
+
 std::vector<json> Store::list(const std::string& kind, const std::string& workspace)
 {
     std::lock_guard lock(m_mutex);

@@ -25,6 +25,10 @@ public:
     bool isEmpty();
 
     std::optional<json> get(const std::string& kind, const std::string& id);
+    // The same, only when the document belongs to `workspace`: what an
+    // action reads by an id its caller names, so no workspace reaches
+    // another's records.
+    std::optional<json> get(const std::string& kind, const std::string& id, const std::string& workspace);
     // Documents of a kind in a workspace ("" = any), oldest first.
     std::vector<json> list(const std::string& kind, const std::string& workspace = "");
     void put(const std::string& kind, const std::string& id, const std::string& workspace, const json& body);

@@ -26,7 +26,7 @@ json summaryOf(const json& task)
 
 std::optional<json> taskByKeyOrId(Service& s, const std::string& workspace, const std::string& keyOrId)
 {
-    if (auto byId = s.store.get("task", keyOrId))
+    if (auto byId = s.store.get("task", keyOrId, workspace))
         return byId;
     for (json& task : s.store.list("task", workspace))
         if (task["key"] == keyOrId)
@@ -187,7 +187,7 @@ json createTask(ActionContext& ctx, const json& args)
             return {{"error", "Nobody called \"" + *assignee + "\" works here."}};
     }
     if (const auto project = memberText(input, "project"))
-        if (auto p = s.store.get("project", *project))
+        if (auto p = ctx.own("project", *project))
             task["project"] = {{"id", (*p)["id"]}, {"name", (*p)["name"]}};
     if (const auto parent = memberText(input, "parent"))
         if (auto p = taskByKeyOrId(s, ctx.caller.workspace, *parent))
@@ -374,7 +374,7 @@ json projectsPage(ActionContext& ctx, const json&)
 
 json projectPage(ActionContext& ctx, const json& args)
 {
-    const auto project = ctx.service.store.get("project", text(args, 0, "id"));
+    const auto project = ctx.own("project", text(args, 0, "id"));
     if (!project) {
         ctx.notFound();
         return nullptr;

@@ -211,11 +211,6 @@ private slots:
         const Reply rotated = service.token(form);
         QCOMPARE(rotated.status, 200);
         QVERIFY(rotated.object().contains(u"refresh_token"_s));
-        const Reply again = service.token(form);
-        QCOMPARE(again.status, 400);
-        QCOMPARE(again.object().value(u"error"_s).toString(), u"invalid_grant"_s);
-        QVERIFY(!again.object().value(u"error_description"_s).toString().isEmpty());
-
         // A revoked token no longer opens actions.
         const QByteArray newAccess = rotated.object().value(u"access_token"_s).toString().toUtf8();
         QCOMPARE(service.action(u"shell/frame"_s, {}, newAccess).status, 200);
@@ -227,12 +222,77 @@ private slots:
                  200);
         QCOMPARE(service.action(u"shell/frame"_s, {}, newAccess).status, 401);
         QCOMPARE(service.action(u"shell/frame"_s, {}, "at_made_up").status, 401);
+        const Reply again = service.token(form);
+        QCOMPARE(again.status, 400);
+        QCOMPARE(again.object().value(u"error"_s).toString(), u"invalid_grant"_s);
+        QVERIFY(!again.object().value(u"error_description"_s).toString().isEmpty());
         QCOMPARE(service.action(u"shell/frame"_s, {}, {}).status, 401);
 
         // A broken authorization request is answered with a page that says why.
         const Reply broken = service.get(u"/oauth/authorize?client_id=someone-else"_s);
         QCOMPARE(broken.status, 400);
         QVERIFY(broken.body.contains("does not know"));
+    }
+
+    void replaysEndTheSignInAndWorkspacesKeepToThemselves()
+    {
+        DevService service({u"--auto-approve"_s});
+        Session session(service);
+        auto frameWith = [&](const QByteArray& access) {
+            return service.action(u"shell/frame"_s, {}, access).status;
+        };
+
+        // A refresh token used twice means someone holds a copy: every
+        // token of that sign-in stops working.
+        const QList<QPair<QString, QString>> form{{u"grant_type"_s, u"refresh_token"_s},
+                                                  {u"refresh_token"_s, session.auth->tokens()->refresh},
+                                                  {u"client_id"_s, u"kestro-mac"_s}};
+        const Reply rotated = service.token(form);
+        QCOMPARE(rotated.status, 200);
+        const QByteArray rotatedAccess = rotated.object().value(u"access_token"_s).toString().toUtf8();
+        QCOMPARE(frameWith(rotatedAccess), 200);
+        QCOMPARE(service.token(form).status, 400);
+        QCOMPARE(frameWith(rotatedAccess), 401);
+        QCOMPARE(service
+                     .token({{u"grant_type"_s, u"refresh_token"_s},
+                             {u"refresh_token"_s, rotated.object().value(u"refresh_token"_s).toString()},
+                             {u"client_id"_s, u"kestro-mac"_s}})
+                     .status,
+                 400);
+
+        // A code used twice takes back the tokens it gave.
+        MemorySecretStore store;
+        Auth auth(service.origin(), store);
+        const Authorization a = auth.begin(QString(Auth::redirectUri));
+        const QUrl callback(QString::fromUtf8(
+            service.get(a.url.toString().mid(service.origin().toString().size())).location));
+        blockingWait(auth.finish(callback, a));
+        const QByteArray codeAccess = auth.tokens()->access.toUtf8();
+        QCOMPARE(frameWith(codeAccess), 200);
+        QVERIFY_THROWS_EXCEPTION(AuthError, blockingWait(auth.finish(callback, a)));
+        QCOMPARE(frameWith(codeAccess), 401);
+
+        // Another workspace's task cannot be read, changed or deleted by
+        // its id from this one.
+        Session owner(service);
+        const QByteArray access = owner.access();
+        QCOMPARE(service.action(u"app/switchWorkspaceAction"_s, {u"w2"_s}, access).status, 200);
+        const QJsonArray theirs = service.action(u"tasks/tasks"_s, {QJsonObject{}}, access)
+                                      .object()
+                                      .value(u"value"_s)
+                                      .toObject()
+                                      .value(u"tasks"_s)
+                                      .toArray();
+        QVERIFY(!theirs.isEmpty());
+        const QString id = theirs.first().toObject().value(u"id"_s).toString();
+        QCOMPARE(service.action(u"app/switchWorkspaceAction"_s, {u"w1"_s}, access).status, 200);
+        const Reply read = service.action(u"tasks/task"_s, {id}, access);
+        QCOMPARE(read.object().value(u"notFound"_s).toBool(), true);
+        const Reply removed = service.action(u"app/deleteTaskAction"_s, {id}, access);
+        QCOMPARE(removed.object().value(u"value"_s).toObject().value(u"error"_s).toString(),
+                 u"That task is gone already."_s);
+        QCOMPARE(service.action(u"app/switchWorkspaceAction"_s, {u"w2"_s}, access).status, 200);
+        QCOMPARE(service.action(u"tasks/task"_s, {id}, access).object().value(u"notFound"_s).toBool(), false);
     }
 
     void consentPageAndExpiries()
