@@ -11,6 +11,7 @@
 #include "ResidentMemory.h"
 #include "RobotFace.h"
 #include "Router.h"
+#include "SchemeHandler.h"
 #include "ShellState.h"
 #include "SingleInstance.h"
 #include "Visibility.h"
@@ -76,7 +77,11 @@ KestroApp::KestroApp(QObject* parent) : QObject(parent)
     Client& client = Client::shared();
     m_router = std::make_unique<Router>(client.origin(), Route::parse(QString(AppModel::startPath)),
                                         [](const QUrl& url) { QDesktopServices::openUrl(url); });
-    m_authSession = std::make_unique<WebAuthSession>();
+    // The sheet's view needs the engine, which must start before any view
+    // exists (it learns the "kestro" scheme then).
+    m_authSession =
+        std::make_unique<WebAuthSession>([](const QUrl& url) { return QDesktopServices::openUrl(url); },
+                                         [this] { return m_webViews->start(); });
     m_appearance = std::make_unique<Appearance>();
     m_shell = std::make_unique<ShellState>();
     m_pages = std::make_unique<PageCatalog>();
@@ -85,16 +90,7 @@ KestroApp::KestroApp(QObject* parent) : QObject(parent)
 
     AppModel::Desktop desktop;
     WebAuthSession* session = m_authSession.get();
-    desktop.authenticate = [this, session](QUrl authorize) {
-        // The sheet's view needs the engine, which must start before any
-        // view exists (it learns the "kestro" scheme then). Without it the
-        // sign-in goes to the system browser.
-        const bool sheet = m_webViews->start();
-        QCoro::Task<std::optional<QUrl>> signIn = session->authenticate(std::move(authorize));
-        if (!sheet)
-            session->useBrowser();
-        return signIn;
-    };
+    desktop.authenticate = [session](QUrl authorize) { return session->authenticate(std::move(authorize)); };
     desktop.clearWebSession = [this] { m_webViews->clearSession(); };
     m_app = std::make_unique<AppModel>(client, *m_router, std::move(desktop));
     m_webViews = std::make_unique<WebViews>(client.origin(), client.auth(), *m_app, *m_appearance);
@@ -262,6 +258,8 @@ int KestroApp::main(int argc, char** argv)
     if (instance.handOff(urls))
         return 0;
     instance.listen();
+    // The browser's sign-in comes back as a "kestro:" address.
+    SchemeHandler::ensureRegistered(QCoreApplication::applicationFilePath());
 
     KestroApp app;
     QObject::connect(&instance, &SingleInstance::received, &app, &KestroApp::openUrl);

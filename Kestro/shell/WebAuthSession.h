@@ -4,15 +4,17 @@
 #include <QObject>
 #include <QUrl>
 
+#include <functional>
 #include <optional>
 
 namespace Kestro {
 
-// The web sign-in: a sheet in the window shows the service's authorization
-// page in a web view on the app's persistent profile (so the service's own
-// session is shared) and ends when the page navigates to a "kestro:"
-// address. "Use my browser" opens the system browser instead and waits for
-// that address to come back as a deep link. Closing the sheet gives up.
+// The web sign-in, as native apps do it: the system browser opens the
+// service's authorization page and the sign-in ends when the browser hands
+// the "kestro://oauth/callback" address back (a deep link). Where no
+// browser opens, or when the user asks ("Sign in here instead"), a sheet in
+// the window shows the page instead, kept to the service's own origin.
+// Only the callback that carries this sign-in's state ends it.
 class WebAuthSession : public QObject {
     Q_OBJECT
     // The authorization address while the sheet is open; empty otherwise.
@@ -20,22 +22,28 @@ class WebAuthSession : public QObject {
     Q_PROPERTY(bool inBrowser READ inBrowser NOTIFY stateChanged)
 
 public:
-    explicit WebAuthSession(QObject* parent = nullptr);
+    // `openBrowser` opens an address in the system browser (false when
+    // none opened); `sheetReady` starts what the sheet needs (the web
+    // engine) and says whether it can show.
+    WebAuthSession(std::function<bool(const QUrl&)> openBrowser, std::function<bool()> sheetReady,
+                   QObject* parent = nullptr);
 
     QUrl address() const { return m_inBrowser ? QUrl() : m_address; }
     bool inBrowser() const { return m_inBrowser; }
     bool isOpen() const { return !m_address.isEmpty(); }
 
-    // Shows `authorize` and hands back the "kestro:" address it ended on;
+    // Opens `authorize` and hands back the "kestro:" address it ended on;
     // absent when the user gave up.
     QCoro::Task<std::optional<QUrl>> authenticate(QUrl authorize);
 
-    // A navigation in the sheet: true when it was the callback (the view
-    // must not follow it).
+    // A navigation in the sheet: true when the view must not follow it (a
+    // "kestro:" address, or another origin's page, which opens in the
+    // browser instead).
     Q_INVOKABLE bool navigated(const QUrl& url);
     Q_INVOKABLE void useBrowser();
+    Q_INVOKABLE void useSheet();
     Q_INVOKABLE void cancel();
-    // The callback, arriving as a deep link after "Use my browser".
+    // A "kestro://oauth/..." address from outside (the browser's deep link).
     void deliver(const QUrl& callback);
 
 signals:
@@ -43,9 +51,13 @@ signals:
     void ended(const QUrl& callback); // empty when given up
 
 private:
+    bool isOurs(const QUrl& callback) const;
     void end(const QUrl& callback);
 
+    std::function<bool(const QUrl&)> m_openBrowser;
+    std::function<bool()> m_sheetReady;
     QUrl m_address;
+    QString m_state;
     bool m_inBrowser = false;
 };
 

@@ -4,8 +4,10 @@
 
 #include "shell/PlaceChords.h"
 #include "shell/RobotFace.h"
+#include "shell/WebAuthSession.h"
 
 #include <QSet>
+#include <QSignalSpy>
 #include <QTest>
 
 using namespace Qt::StringLiterals;
@@ -43,6 +45,57 @@ private slots:
         QFETCH(int, modifiers);
         QFETCH(int, place);
         QCOMPARE(PlaceChords::placeOf(scanCode, key, Qt::KeyboardModifiers(modifiers)), place);
+    }
+
+    void signInWaitsForItsOwnCallback()
+    {
+        // The browser is the default; a callback without this sign-in's
+        // state neither ends it nor counts.
+        QList<QUrl> browsed;
+        bool browserOpens = true;
+        int sheets = 0;
+        WebAuthSession session(
+            [&](const QUrl& url) {
+                browsed.append(url);
+                return browserOpens;
+            },
+            [&] {
+                ++sheets;
+                return true;
+            });
+        const QUrl authorize(u"https://kestro.app/oauth/authorize?client_id=kestro-mac&state=s1"_s);
+        std::optional<std::optional<QUrl>> outcome;
+        auto wait = [&]() -> QCoro::Task<> { outcome = co_await session.authenticate(authorize); };
+        auto first = wait();
+        QVERIFY(session.inBrowser());
+        QCOMPARE(browsed, QList<QUrl>{authorize});
+        QCOMPARE(sheets, 0); // no web engine for a browser sign-in
+        session.deliver(QUrl(u"kestro://oauth/callback?code=stolen&state=other"_s));
+        session.deliver(QUrl(u"kestro://oauth/callback?code=nostate"_s));
+        QVERIFY(session.isOpen() && !outcome);
+        // "Sign in here instead": the sheet, kept to the service's origin.
+        session.useSheet();
+        QVERIFY(!session.inBrowser());
+        QCOMPARE(session.address(), authorize);
+        QVERIFY(!session.navigated(QUrl(u"https://kestro.app/login"_s)));
+        QVERIFY(session.navigated(QUrl(u"https://elsewhere.example/help"_s)));
+        QCOMPARE(browsed.last(), QUrl(u"https://elsewhere.example/help"_s));
+        QVERIFY(session.navigated(QUrl(u"kestro://oauth/callback?code=x&state=wrong"_s)));
+        QVERIFY(session.isOpen());
+        QVERIFY(session.navigated(QUrl(u"kestro://oauth/callback?code=good&state=s1"_s)));
+        QTRY_VERIFY(outcome.has_value());
+        QCOMPARE(**outcome, QUrl(u"kestro://oauth/callback?code=good&state=s1"_s));
+        QVERIFY(!session.isOpen());
+
+        // Where no browser opens, the sheet shows at once.
+        browserOpens = false;
+        outcome.reset();
+        auto second = wait();
+        QVERIFY(!session.inBrowser());
+        QCOMPARE(sheets, 2);
+        session.cancel();
+        QTRY_VERIFY(outcome.has_value());
+        QCOMPARE(*outcome, std::nullopt);
     }
 
     void everyTeammateHasItsOwnFace()

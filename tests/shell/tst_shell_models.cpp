@@ -6,6 +6,7 @@
 #include "shell/HandOffLine.h"
 #include "shell/PageCatalog.h"
 #include "shell/PaletteModel.h"
+#include "shell/SchemeHandler.h"
 #include "shell/SingleInstance.h"
 #include "shell/WebPolicy.h"
 #include "shell/WebScripts.h"
@@ -17,6 +18,7 @@
 #include <QJsonArray>
 #include <QLocalSocket>
 #include <QSignalSpy>
+#include <QTemporaryDir>
 #include <QTest>
 
 using namespace Kestro;
@@ -285,6 +287,60 @@ private slots:
         QCOMPARE(readHandOffLine("kestro://kest\r\n"), std::optional<QUrl>(QUrl(u"kestro://kest"_s)));
         QCOMPARE(readHandOffLine("\n"), std::optional<QUrl>(QUrl()));
         QCOMPARE(readHandOffLine("kestro:// bad url"), std::nullopt);
+    }
+
+    void registersItselfForKestroLinksWhenNobodyDoes()
+    {
+        // A stand-in xdg-mime: answers the query from a file, notes the
+        // default it is given.
+        QTemporaryDir home;
+        QVERIFY(home.isValid());
+        QDir(home.path()).mkpath(u"bin"_s);
+        const QString tool = home.filePath(u"bin/xdg-mime"_s);
+        QFile script(tool);
+        QVERIFY(script.open(QIODevice::WriteOnly));
+        script.write("#!/bin/sh\nhere=$(dirname \"$0\")\n"
+                     "if [ \"$1\" = query ]; then cat \"$here/answer\" 2>/dev/null; exit 0; fi\n"
+                     "echo \"$@\" > \"$here/set\"\n");
+        script.close();
+        script.setPermissions(QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
+        const QByteArray path = qgetenv("PATH");
+        const std::optional<QByteArray> data = qEnvironmentVariableIsSet("XDG_DATA_HOME")
+                                                   ? std::optional(qgetenv("XDG_DATA_HOME"))
+                                                   : std::nullopt;
+        qputenv("PATH", home.filePath(u"bin"_s).toUtf8() + ':' + path);
+        qputenv("XDG_DATA_HOME", home.filePath(u"data"_s).toUtf8());
+        auto registerNow = [] {
+            std::optional<bool> registered;
+            SchemeHandler::ensureRegistered(u"/opt/My Apps/kestro"_s, [&](bool done) { registered = done; });
+            [&] { QTRY_VERIFY(registered.has_value()); }();
+            return registered.value_or(false);
+        };
+        QVERIFY(registerNow());
+        QFile entry(home.filePath(u"data/applications/kestro-url-handler.desktop"_s));
+        QVERIFY(entry.open(QIODevice::ReadOnly));
+        const QByteArray written = entry.readAll();
+        QVERIFY2(written.contains("Exec=\"/opt/My Apps/kestro\" %u\n"), written.constData());
+        QVERIFY(written.contains("MimeType=x-scheme-handler/kestro;"));
+        QFile set(home.filePath(u"bin/set"_s));
+        QVERIFY(set.open(QIODevice::ReadOnly));
+        QCOMPARE(set.readAll().trimmed(),
+                 QByteArray("default kestro-url-handler.desktop x-scheme-handler/kestro"));
+        set.close();
+        // Once a handler is there (an installed package's), nothing changes.
+        QVERIFY(set.remove());
+        QFile answer(home.filePath(u"bin/answer"_s));
+        QVERIFY(answer.open(QIODevice::WriteOnly));
+        answer.write("kestro.desktop\n");
+        answer.close();
+        QVERIFY(!registerNow());
+        QVERIFY(!QFile::exists(home.filePath(u"bin/set"_s)));
+        QCOMPARE(SchemeHandler::desktopEntry(u"/a\"b$c"_s).contains(u"Exec=\"/a\\\"b\\$c\" %u"_s), true);
+        qputenv("PATH", path);
+        if (data)
+            qputenv("XDG_DATA_HOME", *data);
+        else
+            qunsetenv("XDG_DATA_HOME");
     }
 
     void bellCountsReadsAndClears()

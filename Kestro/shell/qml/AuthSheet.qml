@@ -65,6 +65,29 @@ Popup {
                 onClicked: AuthSession.cancel()
             }
         }
+        // Where the page comes from, as a browser's address bar would say.
+        RowLayout {
+            Layout.fillWidth: true
+            Layout.leftMargin: 16
+            Layout.rightMargin: 16
+            Layout.bottomMargin: 8
+            spacing: 6
+            Icon { name: "key-round"; size: 12; color: Theme.muted }
+            Text {
+                // The loaded view, read untyped like the spinner's below.
+                readonly property var view: viewLoader.item
+                objectName: "authAddress"
+                Layout.fillWidth: true
+                textFormat: Text.PlainText
+                text: view ? String(view.url) : String(AuthSession.address)
+                elide: Text.ElideMiddle
+                font.family: Theme.mono
+                font.pixelSize: 11
+                color: Theme.muted
+                Accessible.role: Accessible.StaticText
+                Accessible.name: "Address: " + text
+            }
+        }
         Rectangle { Layout.fillWidth: true; height: 1; color: Theme.border }
         Item {
             Layout.fillWidth: true

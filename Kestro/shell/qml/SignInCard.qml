@@ -71,6 +71,13 @@ Rectangle {
                 color: Theme.muted
             }
             PrimaryButton {
+                objectName: "signInHereButton"
+                quiet: true
+                text: "Sign in here instead"
+                onClicked: AuthSession.useSheet()
+            }
+            PrimaryButton {
+                objectName: "cancelSignInButton"
                 quiet: true
                 text: "Cancel"
                 onClicked: AuthSession.cancel()

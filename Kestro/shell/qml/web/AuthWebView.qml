@@ -12,8 +12,10 @@ WebEngineView {
     // the web engine profile it is.
     profile: WebViews.profile as WebEngineProfile
     url: AuthSession.address
+    // The page's own frames (a provider's widget) load; the page itself
+    // stays on the service's origin.
     onNavigationRequested: request => {
-        if (AuthSession.navigated(request.url))
+        if (request.isMainFrame && AuthSession.navigated(request.url))
             request.reject()
     }
 }
