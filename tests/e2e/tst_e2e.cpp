@@ -27,6 +27,8 @@
 #include <QStandardPaths>
 #include <QTest>
 
+#include <tuple>
+
 using namespace Kestro;
 using namespace Qt::Literals::StringLiterals;
 
@@ -281,6 +283,26 @@ private slots:
             QCOMPARE(QProcess::execute(u"setxkbmap"_s, {u"-layout"_s, QString::fromLatin1(press.layout)}), 0);
             xdo({u"key"_s, QString::fromLatin1(press.key)});
             QTRY_COMPARE(route(), QString::fromLatin1(press.route));
+        }
+
+        // Return and the keypad's Enter press the focused place, as Space
+        // does, and the focus ring stays.
+        auto place = [&](const QString& label) -> QQuickItem* {
+            for (QQuickItem* it : drawnInside(window()->contentItem()))
+                if (it->property("label").toString() == label &&
+                    QByteArray(it->metaObject()->className()).contains("SidebarItem"))
+                    return it;
+            return nullptr;
+        };
+        for (const auto& [label, key, path] :
+             {std::tuple{u"Tasks"_s, u"Return"_s, u"/tasks"_s},
+              std::tuple{u"Needs you"_s, u"KP_Enter"_s, u"/activity?view=you"_s}}) {
+            QQuickItem* it = place(label);
+            QVERIFY2(it, qPrintable(label));
+            it->forceActiveFocus(Qt::TabFocusReason);
+            xdo({u"key"_s, key});
+            QTRY_COMPARE(route(), path);
+            QVERIFY(it->property("visualFocus").toBool());
         }
     }
 

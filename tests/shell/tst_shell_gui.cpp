@@ -3,11 +3,16 @@
 // the same on every run and different from one teammate to the next.
 
 #include "shell/PlaceChords.h"
+#include "shell/ReturnActivates.h"
 #include "shell/RobotFace.h"
 #include "shell/WebAuthSession.h"
 
+#include <QDir>
+#include <QQuickItem>
+#include <QQuickView>
 #include <QSet>
 #include <QSignalSpy>
+#include <QTemporaryFile>
 #include <QTest>
 
 using namespace Qt::StringLiterals;
@@ -45,6 +50,38 @@ private slots:
         QFETCH(int, modifiers);
         QFETCH(int, place);
         QCOMPARE(PlaceChords::placeOf(scanCode, key, Qt::KeyboardModifiers(modifiers)), place);
+    }
+
+    void returnPressesTheFocusedButton()
+    {
+        ReturnActivates returns;
+        qApp->installEventFilter(&returns);
+        QQuickView view;
+        QTemporaryFile qml(QDir::tempPath() + u"/returns-XXXXXX.qml"_s);
+        QVERIFY(qml.open());
+        qml.write("import QtQuick\nimport QtQuick.Controls.Basic\n"
+                  "Column { property int clicks: 0; property int typed: 0\n"
+                  "  Button { objectName: 'go'; text: 'Go'; onClicked: parent.clicks++ }\n"
+                  "  TextField { objectName: 'field'; onAccepted: parent.typed++ } }\n");
+        qml.close();
+        view.setSource(QUrl::fromLocalFile(qml.fileName()));
+        view.show();
+        QVERIFY(QTest::qWaitForWindowExposed(&view));
+        QQuickItem* root = view.rootObject();
+        auto* go = root->findChild<QQuickItem*>(u"go"_s);
+        go->forceActiveFocus(Qt::TabFocusReason);
+        QTest::keyClick(&view, Qt::Key_Return);
+        QTest::keyClick(&view, Qt::Key_Enter, Qt::KeypadModifier);
+        QCOMPARE(root->property("clicks").toInt(), 2);
+        QVERIFY(go->property("visualFocus").toBool());
+        // A chord with Return is someone else's; a text field keeps its own.
+        QTest::keyClick(&view, Qt::Key_Return, Qt::ControlModifier);
+        QCOMPARE(root->property("clicks").toInt(), 2);
+        root->findChild<QQuickItem*>(u"field"_s)->forceActiveFocus();
+        QTest::keyClick(&view, Qt::Key_Return);
+        QCOMPARE(root->property("typed").toInt(), 1);
+        QCOMPARE(root->property("clicks").toInt(), 2);
+        qApp->removeEventFilter(&returns);
     }
 
     void signInWaitsForItsOwnCallback()
