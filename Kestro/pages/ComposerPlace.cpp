@@ -36,7 +36,7 @@ void ComposerPlace::setText(const QString& text)
     Drafts::keepText(m_place, text);
 }
 
-std::optional<QString> ComposerPlace::begin()
+std::optional<ComposerPlace::Sending> ComposerPlace::begin()
 {
     if (m_shown.pending)
         return std::nullopt;
@@ -46,19 +46,20 @@ std::optional<QString> ComposerPlace::begin()
         return std::nullopt;
     }
     Drafts::setOutcome(m_place, {}, {}, true);
-    return m_shown.text;
+    return Sending{m_place, m_shown.text, Drafts::generation()};
 }
 
-void ComposerPlace::finish(const QString& place, const QString& sent, const QString& failure,
-                           const QString& note)
+void ComposerPlace::finish(const Sending& sending, const QString& failure, const QString& note)
 {
+    if (sending.generation != Drafts::generation())
+        return;
     if (!failure.isEmpty()) {
-        Drafts::setOutcome(place, {}, failure, false);
+        Drafts::setOutcome(sending.place, {}, failure, false);
         return;
     }
-    if (Drafts::of(place).text == sent)
-        Drafts::keepText(place, {});
-    Drafts::setOutcome(place, note, {}, false);
+    if (Drafts::of(sending.place).text == sending.text)
+        Drafts::keepText(sending.place, {});
+    Drafts::setOutcome(sending.place, note, {}, false);
 }
 
 } // namespace Kestro

@@ -27,15 +27,20 @@ public:
     QString error() const { return m_shown.error; }
     bool pending() const { return m_shown.pending; }
 
+    // A send under way: where from, what, and in which run of the drafts.
+    struct Sending {
+        QString place;
+        QString text;
+        quint64 generation = 0;
+    };
     // Starts sending the words at this place and hands them back; blank
     // words are refused with the sentence that says why, and nothing starts
     // while a send from here is pending.
-    std::optional<QString> begin();
-    // Ends a send from `place`. A failure keeps the words and says why; a
-    // good one removes the words sent (not any typed since) and leaves the
-    // note.
-    static void finish(const QString& place, const QString& sent, const QString& failure,
-                       const QString& note);
+    std::optional<Sending> begin();
+    // Ends a send. A failure keeps the words and says why; a good one
+    // removes the words sent (not any typed since) and leaves the note. A
+    // send that outlived a sign-out or a workspace switch leaves nothing.
+    static void finish(const Sending& sending, const QString& failure, const QString& note);
 
 signals:
     void textChanged();

@@ -274,13 +274,14 @@ void DirectChatPage::send()
     // the user just left.
     const QString thread = threadId();
     const bool handing = working() && m_data.thread && m_data.thread->id == thread;
-    if (const std::optional<QString> text = m_compose.begin())
-        post(*text, thread, route().segments.value(1), handing, place());
+    if (const std::optional<ComposerPlace::Sending> sending = m_compose.begin())
+        post(*sending, thread, route().segments.value(1), handing);
 }
 
-QCoro::Task<> DirectChatPage::post(QString text, QString threadId, QString handle, bool handing,
-                                   QString sentFrom)
+QCoro::Task<> DirectChatPage::post(ComposerPlace::Sending sending, QString threadId, QString handle,
+                                   bool handing)
 {
+    const QString text = sending.text;
     QPointer<DirectChatPage> self(this);
     const Route sentAt = route();
     QString failure;
@@ -303,7 +304,7 @@ QCoro::Task<> DirectChatPage::post(QString text, QString threadId, QString handl
     }
     // What was sent leaves the place it was sent from, and the sentence
     // under the composer belongs there too, even if the page is gone.
-    ComposerPlace::finish(sentFrom, text, failure,
+    ComposerPlace::finish(sending, failure,
                           handing ? QStringLiteral("Handed to the reply in progress.") : QString());
     if (!failure.isEmpty() || !self || self->route() != sentAt)
         co_return;

@@ -106,7 +106,7 @@ protected:
     bool loadsFor(const Route& from, const Route& to) const override;
 
 private:
-    QCoro::Task<> post(QString text, QString threadId, QString handle, bool handing, QString sentFrom);
+    QCoro::Task<> post(ComposerPlace::Sending sending, QString threadId, QString handle, bool handing);
     QString threadId() const;
     QString place() const;
     void followPlace();

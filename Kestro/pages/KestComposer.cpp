@@ -41,8 +41,8 @@ QString KestComposer::placeholder() const
 
 void KestComposer::send()
 {
-    if (const std::optional<QString> text = m_place.begin())
-        post(*text, m_inThread ? m_page->threadId() : QString(), place());
+    if (const std::optional<ComposerPlace::Sending> sending = m_place.begin())
+        post(*sending, m_inThread ? m_page->threadId() : QString());
 }
 
 QString KestComposer::place() const
@@ -61,8 +61,9 @@ KestComposer::Outcome KestComposer::outcomeOf(const Calls::app::PostKestMessageA
     return outcome;
 }
 
-QCoro::Task<> KestComposer::post(QString text, QString threadId, QString sentFrom)
+QCoro::Task<> KestComposer::post(ComposerPlace::Sending sending, QString threadId)
 {
+    const QString text = sending.text;
     // Nothing of this composer is read after the wait: leaving the page
     // destroys it.
     QPointer<KestRoomPage> page(m_page);
@@ -86,7 +87,7 @@ QCoro::Task<> KestComposer::post(QString text, QString threadId, QString sentFro
     // whether or not the page is still there.
     const Outcome outcome =
         failure.isEmpty() ? outcomeOf(result, page ? page->result().kest : kest, inThread) : Outcome{};
-    ComposerPlace::finish(sentFrom, text, failure, outcome.note);
+    ComposerPlace::finish(sending, failure, outcome.note);
     // The room moves only if the user is still where they sent from: a new
     // thread opens beside it (which loads the page anew), else a load now
     // shows the message and the first answers.

@@ -62,7 +62,7 @@ signals:
     void stateChanged();
 
 private:
-    QCoro::Task<> post(QString text, QString threadId, QString sentFrom);
+    QCoro::Task<> post(ComposerPlace::Sending sending, QString threadId);
 
     KestRoomPage* m_page;
     bool m_inThread;

@@ -211,7 +211,8 @@ Target targetOf(const QString& address)
     static const QRegularExpression appPath = compiled("^/(?![/\\\\])[^\\s\\\\]*$");
     if (address.startsWith(QLatin1Char('#')))
         return Target::Anchor;
-    if (appPath.match(appPathOf(address)).hasMatch())
+    // Every "app:" link is the router's to open, whatever follows.
+    if (address.startsWith(QLatin1String("app:")) || appPath.match(address).hasMatch())
         return Target::AppPath;
     return Target::System;
 }

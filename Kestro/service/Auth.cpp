@@ -11,6 +11,7 @@
 
 #include <QCoroSignal>
 #include <QCryptographicHash>
+#include <QDeadlineTimer>
 #include <QJsonDocument>
 #include <QJsonObject>
 #include <QNetworkCookie>
@@ -263,7 +264,14 @@ QCoro::Task<std::optional<Tokens>> Auth::readStored()
         if (auth)
             emit auth->storeAnswered();
     }(self, m_store, keychainKey(), read);
-    if (!*read && !co_await qCoro(this, &Auth::storeAnswered, m_storeDeadline)) {
+    // Another read's answer wakes this one too: wait on until this read's
+    // own answer is in, or the deadline has passed.
+    const QDeadlineTimer deadline(m_storeDeadline);
+    while (!*read && self && !deadline.hasExpired()) {
+        const auto left = std::chrono::milliseconds(std::max<qint64>(1, deadline.remainingTime()));
+        co_await qCoro(this, &Auth::storeAnswered, left);
+    }
+    if (!*read) {
         if (self)
             m_storeProblem = QStringLiteral("The secret store did not answer, so Kestro could not read your "
                                             "sign-in. Check that GNOME Keyring or KWallet is running and "

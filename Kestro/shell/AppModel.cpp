@@ -271,13 +271,14 @@ void AppModel::signOutFromService()
 
 void AppModel::restartDataRefresh()
 {
+    if (m_phase != Phase::SignedIn)
+        return;
+    m_router.setTick(m_router.tick() + 1);
     // A frame load in flight refreshes the frame already, and a revalidate
     // on the frame's own answer would otherwise start the next one, and so
     // on without end.
-    if (m_phase != Phase::SignedIn || m_loadingFrame)
-        return;
-    m_router.setTick(m_router.tick() + 1);
-    loadFrame();
+    if (!m_loadingFrame)
+        loadFrame();
 }
 
 void AppModel::openAppPath(const QString& path)

@@ -58,9 +58,19 @@ void Drafts::setOutcome(const QString& place, QString note, QString error, bool 
     put(place, std::move(draft));
 }
 
+namespace {
+quint64 clears = 0;
+} // namespace
+
+quint64 Drafts::generation()
+{
+    return clears;
+}
+
 void Drafts::clear()
 {
     requireMainThread("Drafts::clear");
+    ++clears;
     const QList<QString> places = store().keys();
     store().clear();
     for (const QString& place : places)

@@ -35,6 +35,9 @@ public:
     static void setOutcome(const QString& place, QString note, QString error, bool pending);
     // Forgets every place: another workspace or user must not see the words.
     static void clear();
+    // Counts the clears: a send that began before one must leave nothing in
+    // the places after it.
+    static quint64 generation();
 
 signals:
     void changed(const QString& place);

@@ -9,6 +9,7 @@
 #include "PaletteModel.h"
 #include "PlaceChords.h"
 #include "ResidentMemory.h"
+#include "ReturnActivates.h"
 #include "RobotFace.h"
 #include "Router.h"
 #include "SchemeHandler.h"
@@ -119,6 +120,7 @@ KestroApp::KestroApp(QObject* parent) : QObject(parent)
     // The first four places answer to Ctrl+Shift and their digit key.
     auto* chords = new PlaceChords([this] { return m_app->phase() == AppModel::Phase::SignedIn; }, this);
     qApp->installEventFilter(chords);
+    qApp->installEventFilter(new ReturnActivates(this));
     connect(chords, &PlaceChords::pressed, this, [this](int place) {
         if (place < PageCatalog::placeList().size())
             m_router->open(PageCatalog::placeList()[place].path);
@@ -254,7 +256,7 @@ int KestroApp::main(int argc, char** argv)
     for (const QString& argument : parser.positionalArguments())
         urls.append(QUrl(argument));
 
-    SingleInstance instance(SingleInstance::nameFor(ServiceOrigin::current()));
+    SingleInstance instance(SingleInstance::defaultName());
     if (instance.handOff(urls))
         return 0;
     instance.listen();

@@ -13,17 +13,21 @@ namespace {
 constexpr char entryName[] = "kestro-url-handler.desktop";
 constexpr char mimeType[] = "x-scheme-handler/kestro";
 
-// A desktop entry's Exec argument in double quotes, with the characters
-// the specification reserves escaped.
+// A desktop entry's Exec argument: in double quotes, with the characters
+// the Desktop Entry format reserves inside them escaped; then, as the whole
+// value is a string, its backslashes doubled again; and "%" as "%%".
 QString quoted(const QString& argument)
 {
-    QString out;
+    QString inner;
     for (const QChar c : argument) {
         if (c == QLatin1Char('"') || c == QLatin1Char('`') || c == QLatin1Char('$') || c == QLatin1Char('\\'))
-            out += QLatin1Char('\\');
-        out += c;
+            inner += QLatin1Char('\\');
+        inner += c;
     }
-    return QLatin1Char('"') + out + QLatin1Char('"');
+    QString value = QLatin1Char('"') + inner + QLatin1Char('"');
+    value.replace(QLatin1Char('\\'), QStringLiteral("\\\\"));
+    value.replace(QLatin1Char('%'), QStringLiteral("%%"));
+    return value;
 }
 
 } // namespace

@@ -2,7 +2,6 @@
 
 #include "HandOffLine.h"
 
-#include <QCryptographicHash>
 #include <QDir>
 #include <QLocalSocket>
 #include <QStandardPaths>
@@ -84,11 +83,9 @@ void SingleInstance::serve(QLocalSocket* socket)
     });
 }
 
-QString SingleInstance::nameFor(const QUrl& origin)
+QString SingleInstance::defaultName()
 {
-    const QByteArray hash =
-        QCryptographicHash::hash(origin.toString().toUtf8(), QCryptographicHash::Sha256).toHex().left(12);
-    return QStringLiteral("kestro-") + QString::fromLatin1(hash);
+    return QStringLiteral("kestro");
 }
 
 QString SingleInstance::socketName() const

@@ -18,8 +18,7 @@ namespace Kestro {
 class SingleInstance : public QObject {
     Q_OBJECT
 public:
-    // `name` tells instances apart: per service address, so a run against
-    // the local service does not talk to the user's own app.
+    // `name` tells instances apart within the user's runtime directory.
     explicit SingleInstance(QString name, QObject* parent = nullptr);
     ~SingleInstance() override;
 
@@ -30,7 +29,10 @@ public:
     // then runs on its own).
     bool listen();
 
-    static QString nameFor(const QUrl& origin);
+    // One per user, whatever service each launch names: the browser's
+    // sign-in callback arrives in a launch without --origin, and must reach
+    // the app that waits for it.
+    static QString defaultName();
     // Where a listening instance answers (the socket's path).
     QString address() const { return m_server.fullServerName(); }
 

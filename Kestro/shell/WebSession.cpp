@@ -35,16 +35,16 @@ void WebSession::write() const
     m_write(cookieFor(m_origin, tokens->access), at);
 }
 
-QCoro::Task<bool> WebSession::renew() const
+QCoro::Task<WebSession::Renewal> WebSession::renew() const
 {
     try {
         if (!co_await m_auth.accessToken())
-            co_return false;
+            co_return Renewal::Refused;
     } catch (const std::exception&) {
-        // Offline or the service down: the page shows its own failure.
+        co_return Renewal::Unreachable;
     }
     write();
-    co_return true;
+    co_return Renewal::Renewed;
 }
 
 } // namespace Kestro

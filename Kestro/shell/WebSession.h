@@ -26,10 +26,12 @@ public:
     // Writes the cookie from the token held now; nothing when signed out.
     void write() const;
     // A page landed on the sign-in page: asks for a current token (which
-    // refreshes one that is due) and writes it. False when there is none
-    // any more, because the service refused the refresh: the session is
-    // over. A network failure keeps the token held and writes that.
-    QCoro::Task<bool> renew() const;
+    // refreshes one that is due) and writes it. Refused when there is none
+    // any more because the service refused the refresh: the session is
+    // over. Unreachable when the refresh could not be asked (offline, the
+    // service down): nothing is written, and the session is not over.
+    enum class Renewal { Renewed, Refused, Unreachable };
+    QCoro::Task<Renewal> renew() const;
 
 private:
     QUrl m_origin;

@@ -161,13 +161,21 @@ QCoro::Task<> WebViews::renewSession()
     // The token held may have expired while its refresh token is good:
     // Auth refreshes it first, and only a refused refresh ends the session.
     QPointer<WebViews> self(this);
-    const bool renewed = co_await m_session.renew();
+    const WebSession::Renewal renewal = co_await m_session.renew();
     if (!self)
         co_return;
-    if (renewed)
+    switch (renewal) {
+    case WebSession::Renewal::Renewed:
         emit sessionRenewed();
-    else
+        break;
+    case WebSession::Renewal::Refused:
         m_app.signOut();
+        break;
+    case WebSession::Renewal::Unreachable:
+        emit sessionUnreachable(QStringLiteral("Kestro could not renew your session with the service. Check "
+                                               "your connection, then try again."));
+        break;
+    }
 }
 
 void WebViews::receive(const QString& json, const QUrl& sender)

@@ -87,6 +87,8 @@ signals:
     void themePushed(const QString& script);
     // The session cookie was written again after a page landed on sign-in.
     void sessionRenewed();
+    // ...or could not be, for now: the page says so and offers a retry.
+    void sessionUnreachable(const QString& sentence);
 
 private:
     QCoro::Task<> renewSession();

@@ -21,7 +21,10 @@ public:
         // storage and the sign-in sheet shares the user's session with them.
         m_profile = new QQuickWebEngineProfile;
         m_profile->setStorageName(QStringLiteral("Kestro"));
-        m_profile->setPersistentCookiesPolicy(QQuickWebEngineProfile::AllowPersistentCookies);
+        // No cookie reaches the disk: under AllowPersistentCookies even
+        // session cookies are written for crash recovery, and the session
+        // cookie holds the access token. It is written again at start.
+        m_profile->setPersistentCookiesPolicy(QQuickWebEngineProfile::NoPersistentCookies);
         m_profile->setHttpUserAgent(m_profile->httpUserAgent() + QLatin1Char(' ') + m_hooks.userAgentSuffix);
         m_profile->setUrlRequestInterceptor(new SchemeGuard(m_profile));
         auto* scheme = new CallbackSchemeHandler(m_profile);

@@ -113,7 +113,8 @@ private slots:
         // "app:" links are the app's places, not the system's.
         QCOMPARE(targetOf(u"app:/analytics/settings?tab=revenue"_s), Target::AppPath);
         QCOMPARE(appPathOf(u"app:/analytics/settings?tab=revenue"_s), u"/analytics/settings?tab=revenue"_s);
-        QCOMPARE(targetOf(u"app://evil.example"_s), Target::System);
+        // Never the desktop's opener: the router judges what follows.
+        QCOMPARE(targetOf(u"app://evil.example"_s), Target::AppPath);
         QVERIFY(isAllowedLink(u"app:/tasks"_s));
         QVERIFY(!isAllowedLink(u"javascript:alert(1)"_s));
     }

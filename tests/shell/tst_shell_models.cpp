@@ -142,7 +142,7 @@ private slots:
             written.append(cookie);
             at.append(origin);
         });
-        QVERIFY(blockingWait(session.renew()));
+        QCOMPARE(blockingWait(session.renew()), WebSession::Renewal::Renewed);
         QCOMPARE(service.tokenRequests, 1);
         QCOMPARE(written.size(), 1);
         QVERIFY(written[0].value() != access.toUtf8());
@@ -157,11 +157,17 @@ private slots:
         QCOMPARE(secure.name(), QByteArray("__Host-kestro_app_token"));
         QVERIFY(secure.isSecure() && secure.domain().isEmpty() && secure.path() == u"/"_s);
 
-        // Only a refused refresh ends the session.
+        // Only a refused refresh ends the session; a service out of reach
+        // writes nothing and ends nothing.
         blockingWait(
             auth.store(Tokens{access, u"refresh-unknown"_s, QDateTime::currentDateTimeUtc().addSecs(-60)}));
-        QVERIFY(!blockingWait(session.renew()));
+        QCOMPARE(blockingWait(session.renew()), WebSession::Renewal::Refused);
         QCOMPARE(written.size(), 1);
+        blockingWait(auth.store(Tokens{access, refresh, QDateTime::currentDateTimeUtc().addSecs(-60)}));
+        service.server.close();
+        QCOMPARE(blockingWait(session.renew()), WebSession::Renewal::Unreachable);
+        QCOMPARE(written.size(), 1);
+        QVERIFY(auth.tokens());
     }
 
     void bridgeMessagesAreChecked()
@@ -247,9 +253,7 @@ private slots:
 
     void aSecondLaunchHandsItsLinksToTheFirst()
     {
-        const QString name =
-            SingleInstance::nameFor(QUrl(u"http://127.0.0.1:1/%1"_s.arg(QCoreApplication::applicationPid())));
-        QVERIFY(name != SingleInstance::nameFor(QUrl(u"https://kestro.app"_s)));
+        const QString name = u"kestro-test-%1"_s.arg(QCoreApplication::applicationPid());
         SingleInstance second(name);
         QVERIFY(!second.handOff({QUrl(u"kestro://tasks"_s)})); // nobody is running yet
 
@@ -335,7 +339,8 @@ private slots:
         answer.close();
         QVERIFY(!registerNow());
         QVERIFY(!QFile::exists(home.filePath(u"bin/set"_s)));
-        QCOMPARE(SchemeHandler::desktopEntry(u"/a\"b$c"_s).contains(u"Exec=\"/a\\\"b\\$c\" %u"_s), true);
+        // Quoted, escaped, and escaped again as a string: /a"b$c% reads back.
+        QVERIFY(SchemeHandler::desktopEntry(u"/a\"b$c%"_s).contains(u"Exec=\"/a\\\\\"b\\\\$c%%\" %u\n"_s));
         qputenv("PATH", path);
         if (data)
             qputenv("XDG_DATA_HOME", *data);

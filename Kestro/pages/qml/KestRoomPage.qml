@@ -130,8 +130,6 @@ Item {
                     onLinkOpened: path => room.open(path)
                     onReacted: (id, emoji) => room.react(id, emoji)
                     onAddingReaction: (id, from) => picker.openFor(id, from)
-            // A thread shows once its answer is in: that is its arrival.
-            onVisibleChanged: if (visible) arrival.request()
                 }
                 EmptyState {
                     visible: room.messages.count === 0
@@ -215,6 +213,8 @@ Item {
             access: page.access
             canReact: page.canWrite
             onAddingReaction: (id, from) => picker.openFor(id, from)
+            // A thread shows once its answer is in: that is its arrival.
+            onVisibleChanged: if (visible) arrival.request()
 
             // The panel's left edge: drag to make it wider or narrower.
             MouseArea {

@@ -24,6 +24,14 @@ Item {
             page.renewing = false
             view.url = WebViews.addressOf(page.path)
         }
+        function onSessionUnreachable(sentence: string) {
+            if (!page.renewing)
+                return
+            // Not a second landing: the retry starts over.
+            page.renewing = false
+            page.retried = false
+            page.failure = sentence
+        }
     }
     property string failure: ""
     property bool missing: false
