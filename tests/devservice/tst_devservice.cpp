@@ -125,6 +125,16 @@ struct Session {
     QByteArray access() const { return auth->tokens()->access.toUtf8(); }
 };
 
+// A sign-in started and approved on the consent page: its authorization and
+// the callback address the service sent back.
+std::pair<Authorization, QUrl> approved(DevService& service, Auth& auth)
+{
+    const Authorization authorization = auth.begin(QString(Auth::redirectUri));
+    const QUrl callback(QString::fromUtf8(
+        service.get(authorization.url.toString().mid(service.origin().toString().size())).location));
+    return {authorization, callback};
+}
+
 template <typename Predicate> bool eventually(Predicate&& done, int timeoutMs = 20'000)
 {
     QDeadlineTimer deadline(timeoutMs);
@@ -179,9 +189,7 @@ private slots:
         // A code works once.
         MemorySecretStore store;
         Auth auth(service.origin(), store);
-        const Authorization a = auth.begin(QString(Auth::redirectUri));
-        const QUrl callback(QString::fromUtf8(
-            service.get(a.url.toString().mid(service.origin().toString().size())).location));
+        const auto [a, callback] = approved(service, auth);
         blockingWait(auth.finish(callback, a));
         try {
             blockingWait(auth.finish(callback, a));
@@ -263,9 +271,7 @@ private slots:
         // A code used twice takes back the tokens it gave.
         MemorySecretStore store;
         Auth auth(service.origin(), store);
-        const Authorization a = auth.begin(QString(Auth::redirectUri));
-        const QUrl callback(QString::fromUtf8(
-            service.get(a.url.toString().mid(service.origin().toString().size())).location));
+        const auto [a, callback] = approved(service, auth);
         blockingWait(auth.finish(callback, a));
         const QByteArray codeAccess = auth.tokens()->access.toUtf8();
         QCOMPARE(frameWith(codeAccess), 200);

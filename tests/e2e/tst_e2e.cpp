@@ -95,6 +95,17 @@ class TestEndToEnd : public QObject {
         QVERIFY2(window()->grabWindow().save(file), qPrintable(file));
     }
     QString route() const { return m_app->router().route().text(); }
+    // The engine's view inside the web page on show.
+    QQuickItem* webEngineView() const
+    {
+        QQuickItem* page = item(u"webPage"_s);
+        if (!page)
+            return nullptr;
+        for (QQuickItem* child : page->childItems())
+            if (QByteArray(child->metaObject()->className()).contains("WebEngineView"))
+                return child;
+        return nullptr;
+    }
     // Keys and clicks through the X server, as a person's arrive: layout,
     // focus and the platform's key mapping all take part, which events made
     // inside Qt skip. The window takes the X input focus first (there is no
@@ -219,12 +230,7 @@ private slots:
     void followsALinkInsideAServicePage()
     {
         // A click on an in-site link is routed by the app, not the view.
-        QObject* view = find(u"webPage"_s);
-        QVERIFY(view);
-        QQuickItem* web = nullptr;
-        for (QQuickItem* child : qobject_cast<QQuickItem*>(view)->childItems())
-            if (QByteArray(child->metaObject()->className()).contains("WebEngineView"))
-                web = child;
+        QQuickItem* web = webEngineView();
         QVERIFY(web);
         QVERIFY(QMetaObject::invokeMethod(
             web, "runJavaScript",
@@ -237,12 +243,7 @@ private slots:
     {
         // An image, a frame or a fetch of a "kestro:" address is no deep
         // link: only the sign-in flow's own navigation reaches the app.
-        QObject* view = find(u"webPage"_s);
-        QVERIFY(view);
-        QQuickItem* web = nullptr;
-        for (QQuickItem* child : qobject_cast<QQuickItem*>(view)->childItems())
-            if (QByteArray(child->metaObject()->className()).contains("WebEngineView"))
-                web = child;
+        QQuickItem* web = webEngineView();
         QVERIFY(web);
         QVERIFY(QMetaObject::invokeMethod(
             web, "runJavaScript",
