@@ -35,6 +35,7 @@
 #include <QQuickWindow>
 #include <QStyleHints>
 #include <QTextStream>
+#include <QThread>
 #include <QtQml/qqmlextensionplugin.h>
 
 // The app's QML modules are static libraries: their plugins are linked in.
@@ -259,7 +260,15 @@ int KestroApp::main(int argc, char** argv)
     SingleInstance instance(SingleInstance::defaultName());
     if (instance.handOff(urls))
         return 0;
-    instance.listen();
+    if (!instance.listen()) {
+        // Another launch holds the lock and is still starting: its socket
+        // answers in a moment.
+        for (int attempt = 0; attempt < 10; ++attempt) {
+            QThread::msleep(200);
+            if (instance.handOff(urls))
+                return 0;
+        }
+    }
     // The browser's sign-in comes back as a "kestro:" address.
     SchemeHandler::ensureRegistered(QCoreApplication::applicationFilePath());
 

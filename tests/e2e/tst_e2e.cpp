@@ -22,6 +22,8 @@
 #include <QFile>
 #include <QGuiApplication>
 #include <QProcess>
+#include <QQmlContext>
+#include <QQmlExpression>
 #include <QQuickItem>
 #include <QQuickWindow>
 #include <QStandardPaths>
@@ -184,6 +186,11 @@ private slots:
         const QByteArray mapped = maps.readAll();
         QVERIFY(mapped.contains("libQt6Quick.so"));
         QVERIFY2(!mapped.contains("libQt6WebEngineCore.so"), "the web engine was loaded with the window");
+        // The one shared hover tip reads names and titles as plain text.
+        QObject* scope = find(u"frameLoader"_s);
+        QVERIFY(scope);
+        QQmlExpression format(qmlContext(scope), scope, u"ToolTip.toolTip.contentItem.textFormat"_s);
+        QCOMPARE(format.evaluate().toInt(), 0); // Text.PlainText
     }
 
     void signsInThroughTheSheet()

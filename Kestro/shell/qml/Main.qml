@@ -30,7 +30,16 @@ ApplicationWindow {
 
     Loader {
         id: frameLoader
+        objectName: "frameLoader"
         anchors.fill: parent
+        // Every hover tip shares one tool tip (attached from an item, as
+        // it must be), whose text would read markup in a name or a title:
+        // it reads plain text, for all.
+        Component.onCompleted: {
+            const tip = ToolTip.toolTip.contentItem as Text
+            if (tip)
+                tip.textFormat = Text.PlainText
+        }
         active: window.signedIn
         sourceComponent: AppFrame {
             onQuitRequested: Qt.quit()
