@@ -73,7 +73,7 @@ private:
 
 // Signs in as the browser would, through the service's auto-approving
 // consent page, and keeps the tokens where the app reads them.
-bool signIn(const QUrl& origin)
+bool signIn()
 {
     Auth& auth = Auth::shared();
     QNetworkAccessManager network;
@@ -95,7 +95,6 @@ bool signIn(const QUrl& origin)
         } catch (const std::exception&) {
         }
     }
-    (void)origin;
     return false;
 }
 
@@ -118,7 +117,7 @@ int main(int argc, char** argv)
     Service service;
     service.start();
     ServiceOrigin::setOverride(service.origin());
-    if (!signIn(service.origin())) {
+    if (!signIn()) {
         out << "The campaign could not sign in.\n";
         return 1;
     }
@@ -135,7 +134,7 @@ int main(int argc, char** argv)
         ++signOuts;
         out << "Signed out at " << QTime::currentTime().toString() << "; signing in again.\n";
         out.flush();
-        if (signIn(service.origin()))
+        if (signIn())
             app.app().reload();
     });
 
