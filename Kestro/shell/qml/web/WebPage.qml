@@ -94,12 +94,16 @@ Item {
         }
         onLoadingChanged: info => {
             if (info.status === WebEngineView.LoadSucceededStatus) {
+                // Set first: a token that needs no refresh renews the
+                // session before landed() returns.
+                page.renewing = true
                 if (WebViews.landed(info.url, page.retried)) {
                     // Loads again once the cookie holds a current token.
                     page.retried = true
-                    page.renewing = true
-                } else if (info.url.toString().indexOf("/login") < 0 && info.url.toString().indexOf("/signup") < 0) {
-                    page.retried = false
+                } else {
+                    page.renewing = false
+                    if (info.url.toString().indexOf("/login") < 0 && info.url.toString().indexOf("/signup") < 0)
+                        page.retried = false
                 }
             } else if (info.status === WebEngineView.LoadFailedStatus) {
                 if (info.errorCode === -3)
