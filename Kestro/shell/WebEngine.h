@@ -12,11 +12,10 @@ class QObject;
 
 namespace Kestro {
 
-// The few things the app asks of the web engine itself: its one persistent
-// profile, the cookie store and clearing it. They live in a library of their
-// own (Kestro/webengine), loaded the first time a web page or the sign-in
-// sheet needs them: the engine's libraries cost some 20 MB and part of the
-// start just by being linked, and most sessions show only native pages.
+// The few things the app asks of the web engine itself: its profile, the cookie store and clearing it. They
+// live in a library of their own (Kestro/webengine), loaded the first time a web page or the sign-in sheet
+// needs them: the engine's libraries cost some 20 MB and part of the start just by being linked, and most
+// sessions show only native pages.
 //
 // Only plain C++ and Qt types cross this line, never the app's own classes:
 // the library has its own copy of nothing from the app.
@@ -33,11 +32,14 @@ public:
 
     virtual ~WebEngine() = default;
 
-    // The QQuickWebEngineProfile every view and the sign-in sheet use.
+    // The QQuickWebEngineProfile every new view and the sign-in sheet use.
     virtual QObject* profile() = 0;
     virtual void setCookie(const QNetworkCookie& cookie, const QUrl& origin) = 0;
-    // Drops every cookie and the HTTP cache (sign-out).
+    // Sign-out: drops every cookie and the HTTP cache at once, and puts a
+    // fresh, empty profile in the old one's place for the views to come.
     virtual void clear() = 0;
+    // Frees the profiles clear() replaced; only once no view shows them.
+    virtual void releaseRetired() = 0;
 
     // Loads the library and starts the engine's profile; null when the
     // library is missing or broken, with the reason in `error`.

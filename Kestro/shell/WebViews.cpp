@@ -30,8 +30,10 @@ WebViews::WebViews(QUrl origin, Auth& auth, AppModel& app, Appearance& appearanc
     : QObject(parent), m_origin(std::move(origin)), m_auth(auth), m_app(app), m_appearance(appearance),
       m_bridge(WebScripts::bridge()),
       m_session(m_origin, m_auth, [this](const QNetworkCookie& cookie, const QUrl& at) {
-          if (m_engine)
+          if (m_engine) {
+              releaseRetired();
               m_engine->setCookie(cookie, at);
+          }
       })
 {
     // The session cookie follows the access token; a burst of changes (a
@@ -39,6 +41,8 @@ WebViews::WebViews(QUrl origin, Auth& auth, AppModel& app, Appearance& appearanc
     m_refresher.setSingleShot(true);
     m_refresher.setInterval(0);
     connect(&m_refresher, &QTimer::timeout, this, &WebViews::writeSessionCookie);
+    m_release.setInterval(50);
+    connect(&m_release, &QTimer::timeout, this, &WebViews::releaseRetired);
     connect(&m_auth, &Auth::tokensChanged, &m_refresher, qOverload<>(&QTimer::start));
     connect(&m_app, &AppModel::phaseChanged, &m_refresher, qOverload<>(&QTimer::start));
     connect(&m_appearance, &Appearance::changed, this, &WebViews::applyTheme);
@@ -56,8 +60,14 @@ WebEngine* WebViews::engine()
     // Made on first use: starting the web engine costs a good part of a
     // second and much memory, and a signed-out window or a native page
     // does not need it.
-    if (m_engine || m_engineFailed)
+    if (m_engine) {
+        // A new view or cookie is for a new session: the last one's
+        // profile goes first, if its views are gone.
+        releaseRetired();
         return m_engine.get();
+    }
+    if (m_engineFailed)
+        return nullptr;
     WebEngine::Hooks hooks;
     hooks.userAgentSuffix = QString::fromLatin1(clientUserAgent());
     hooks.schemeAddress = [this](const QUrl& url) { emit schemeAddress(url); };
@@ -72,10 +82,6 @@ WebEngine* WebViews::engine()
         m_engineFailed = true;
         QTextStream(stderr) << error << '\n';
         return nullptr;
-    }
-    if (m_clearPending) {
-        m_clearPending = false;
-        m_engine->clear();
     }
     writeSessionCookie();
     return m_engine.get();
@@ -209,17 +215,28 @@ void WebViews::writeSessionCookie()
 
 void WebViews::clearSession()
 {
-    // A session of native pages never started the engine; the profile on
-    // disk still holds earlier runs' cookies, so the engine clears them the
-    // moment it starts, before any page or cookie of the next session.
-    if (m_engine)
+    // An engine that never started holds nothing: its profile lives in
+    // memory only.
+    if (m_engine) {
         m_engine->clear();
-    else
-        m_clearPending = true;
+        // The signed-out window's views go as the event loop turns; the old
+        // profile is freed after the last.
+        m_release.start();
+    }
     if (!m_title.isEmpty()) {
         m_title.clear();
         emit titleChanged();
     }
+}
+
+void WebViews::releaseRetired()
+{
+    m_live.removeAll(nullptr);
+    if (!m_live.isEmpty())
+        return;
+    m_release.stop();
+    if (m_engine)
+        m_engine->releaseRetired();
 }
 
 void WebViews::applyTheme()

@@ -20,8 +20,8 @@ class Appearance;
 class Auth;
 class WebEngine;
 
-// The owner of every embedded web page: the one persistent profile (cookies,
-// local storage), the user scripts, the session cookie written from the
+// The owner of every embedded web page: the profile (cookies, local storage,
+// in memory only, one per signed-in session), the user scripts, the session cookie written from the
 // access token, theme pushes into open pages, the script messages of the
 // "kestro" channel and the navigation policy. GUI thread only.
 //
@@ -29,6 +29,9 @@ class WebEngine;
 // page opens quickly enough once the profile is up.
 class WebViews : public QObject {
     Q_OBJECT
+    // Read once by each view as it is made. Sign-out puts a new profile in
+    // place while the signed-out window's views are on their way out: they
+    // must not move to it, so the property does not notify.
     Q_PROPERTY(QObject* profile READ profileObject CONSTANT)
     Q_PROPERTY(QString storageScript READ storageScript NOTIFY scriptsChanged)
     Q_PROPERTY(QString bridgeScript READ bridgeScript CONSTANT)
@@ -74,7 +77,8 @@ public:
     Q_INVOKABLE void receive(const QString& json, const QUrl& sender);
     // Writes the session cookie from the current access token now.
     Q_INVOKABLE void writeSessionCookie();
-    // Drops cookies and cached site data (sign-out).
+    // Sign-out: drops the session cookie at once and all other site data
+    // with the profile that held it.
     void clearSession();
     void applyTheme();
 
@@ -92,6 +96,7 @@ signals:
 
 private:
     QCoro::Task<> renewSession();
+    void releaseRetired();
     QUrl m_origin;
     Auth& m_auth;
     AppModel& m_app;
@@ -99,12 +104,12 @@ private:
     WebEngine* engine();
     std::unique_ptr<WebEngine> m_engine;
     bool m_engineFailed = false;
-    bool m_clearPending = false; // signed out before the engine ever started
     QList<QPointer<QQuickItem>> m_live;
     QString m_bridge;
     QString m_relay;
     QString m_title;
     QTimer m_refresher;
+    QTimer m_release; // frees the signed-out session's profile once no view shows it
     WebSession m_session;
 };
 

@@ -15,48 +15,69 @@ namespace {
 
 class LoadedWebEngine final : public WebEngine {
 public:
-    explicit LoadedWebEngine(Hooks hooks) : m_hooks(std::move(hooks))
+    explicit LoadedWebEngine(Hooks hooks) : m_hooks(std::move(hooks)) {}
+    ~LoadedWebEngine() override
     {
-        // One persistent profile: the service's pages keep their local
-        // storage and the sign-in sheet shares the user's session with them.
-        m_profile = new QQuickWebEngineProfile;
-        m_profile->setStorageName(QStringLiteral("Kestro"));
-        // NoPersistentCookies would keep the session cookie (it holds the
-        // access token) off the disk, but on Qt 6.4 it corrupts the heap
-        // once pages load (the fault campaign aborted in malloc three runs
-        // in three). The session cookie carries no expiry, so the profile
-        // keeps it only for crash recovery.
-        m_profile->setPersistentCookiesPolicy(QQuickWebEngineProfile::AllowPersistentCookies);
-        m_profile->setHttpUserAgent(m_profile->httpUserAgent() + QLatin1Char(' ') + m_hooks.userAgentSuffix);
-        m_profile->setUrlRequestInterceptor(new SchemeGuard(m_profile));
-        auto* scheme = new CallbackSchemeHandler(m_profile);
-        m_profile->installUrlSchemeHandler(QByteArrayLiteral("kestro"), scheme);
-        QObject::connect(scheme, &CallbackSchemeHandler::received, m_profile, [this](const QUrl& url) {
-            if (m_hooks.schemeAddress)
-                m_hooks.schemeAddress(url);
-        });
-        QObject::connect(m_profile->cookieStore(), &QWebEngineCookieStore::cookieRemoved, m_profile,
-                         [this](const QNetworkCookie& cookie) {
-                             if (m_hooks.cookieRemoved)
-                                 m_hooks.cookieRemoved(cookie.name());
-                         });
+        qDeleteAll(m_retired);
+        delete m_profile;
     }
-    ~LoadedWebEngine() override { delete m_profile; }
 
-    QObject* profile() override { return m_profile; }
+    QObject* profile() override { return current(); }
     void setCookie(const QNetworkCookie& cookie, const QUrl& origin) override
     {
-        m_profile->cookieStore()->setCookie(cookie, origin);
+        current()->cookieStore()->setCookie(cookie, origin);
     }
     void clear() override
     {
+        if (!m_profile)
+            return;
+        // The cookie goes at once: a view still on screen must not act for
+        // the user any longer. The rest of the session's data (local
+        // storage, IndexedDB, caches) goes with its profile.
         m_profile->cookieStore()->deleteAllCookies();
         m_profile->clearHttpCache();
+        m_retired.append(std::exchange(m_profile, nullptr));
     }
+    void releaseRetired() override { qDeleteAll(std::exchange(m_retired, {})); }
 
 private:
+    QQuickWebEngineProfile* makeProfile()
+    {
+        // Off the record: cookies, local storage, IndexedDB and the cache
+        // live in memory only. The session cookie carries the access token,
+        // and a profile on the disk keeps even a session cookie there for
+        // crash recovery; the token's one place on the disk is the secret
+        // store.
+        auto* profile = new QQuickWebEngineProfile;
+        profile->setOffTheRecord(true);
+        profile->setHttpUserAgent(profile->httpUserAgent() + QLatin1Char(' ') + m_hooks.userAgentSuffix);
+        profile->setUrlRequestInterceptor(new SchemeGuard(profile));
+        auto* scheme = new CallbackSchemeHandler(profile);
+        profile->installUrlSchemeHandler(QByteArrayLiteral("kestro"), scheme);
+        QObject::connect(scheme, &CallbackSchemeHandler::received, profile, [this](const QUrl& url) {
+            if (m_hooks.schemeAddress)
+                m_hooks.schemeAddress(url);
+        });
+        QObject::connect(profile->cookieStore(), &QWebEngineCookieStore::cookieRemoved, profile,
+                         [this, profile](const QNetworkCookie& cookie) {
+                             if (profile == m_profile && m_hooks.cookieRemoved)
+                                 m_hooks.cookieRemoved(cookie.name());
+                         });
+        return profile;
+    }
+
     Hooks m_hooks;
+    // Made when the next session first needs it: by then the last
+    // session's views, and so mostly its profile, are gone.
+    QQuickWebEngineProfile* current()
+    {
+        if (!m_profile)
+            m_profile = makeProfile();
+        return m_profile;
+    }
+
     QQuickWebEngineProfile* m_profile = nullptr;
+    QList<QQuickWebEngineProfile*> m_retired; // signed-out sessions', until no view shows them
 };
 
 } // namespace

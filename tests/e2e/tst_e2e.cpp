@@ -54,6 +54,7 @@ class TestEndToEnd : public QObject {
     KestroTest::DevServiceProcess m_service{QStringLiteral(KESTRO_DEVSERVICE)};
     std::unique_ptr<KestroApp> m_app;
     int m_shot = 0;
+    int m_asked = 0;
 
     QQuickWindow* window() const { return m_app->window(); }
     // Whether the keyboard is in the named control (or inside it).
@@ -97,6 +98,42 @@ class TestEndToEnd : public QObject {
         QVERIFY2(window()->grabWindow().save(file), qPrintable(file));
     }
     QString route() const { return m_app->router().route().text(); }
+    // Runs `script` in the service page on show, which ends by putting its
+    // answer in `done(...)`; hands back that answer. A view that is still
+    // on its first, empty document is asked again.
+    QString askPage(const QString& script)
+    {
+        QString answer = u"(no web page)"_s;
+        QDeadlineTimer deadline(20'000);
+        do {
+            QQuickItem* web = webEngineView();
+            if (!web) {
+                QTest::qWait(100);
+                continue;
+            }
+            const QString mark = u"answer%1:"_s.arg(++m_asked);
+            const QString wrapped = u"(function(){function done(v){document.title='%1'+v}"
+                                    "if(location.protocol!=='http:'||document.readyState!=='complete'){done('"
+                                    "(not ready)');return}"
+                                    "try{%2}catch(e){done('threw '+e)}})()"_s.arg(mark, script);
+            QMetaObject::invokeMethod(web, "runJavaScript", Q_ARG(QString, wrapped));
+            if (!QTest::qWaitFor([web, mark] { return web->property("title").toString().startsWith(mark); },
+                                 5000))
+                answer = u"(no answer)"_s;
+            else
+                answer = web->property("title").toString().mid(mark.size());
+            if (answer != u"(not ready)"_s)
+                return answer;
+            QTest::qWait(100);
+        } while (!deadline.hasExpired());
+        return answer;
+    }
+    // What this session's pages stored: "<local storage item>:<databases>".
+    QString storedByPages()
+    {
+        return askPage(u"indexedDB.databases().then(function(d){done(localStorage.getItem('kestro-e2e')+':'+"
+                       "d.length)},function(e){done('refused '+e)})"_s);
+    }
     // The engine's view inside the web page on show.
     QQuickItem* webEngineView() const
     {
@@ -444,6 +481,18 @@ private slots:
         m_app->appearance().setMode(u"system"_s);
     }
 
+    void keepsSiteDataForTheSessionOnly()
+    {
+        // A page stores something; the next page of the same session sees
+        // it (so the check after signing out below can tell).
+        QCOMPARE(askPage(u"localStorage.setItem('kestro-e2e','kept');"
+                         "indexedDB.open('kestro-e2e').onsuccess=function(){done('stored')}"_s),
+                 u"stored"_s);
+        m_app->router().open(u"/crm/customers"_s);
+        QTRY_COMPARE_WITH_TIMEOUT(text(u"pageTitle"_s), u"Customers"_s, 20000);
+        QCOMPARE(storedByPages(), u"kept:1"_s);
+    }
+
     void switchesWorkspace()
     {
         click(u"workspaceButton"_s);
@@ -470,6 +519,16 @@ private slots:
         m_app->app().signOut(); // nothing happens the second time
         QCOMPARE(m_app->app().phase(), AppModel::Phase::SignedOut);
         shoot(u"signed-out"_s);
+    }
+
+    void signsInAgainWithNothingLeft()
+    {
+        // The next session's pages find nothing of the last one's.
+        click(u"signInButton"_s);
+        QTRY_COMPARE_WITH_TIMEOUT(m_app->app().phase(), AppModel::Phase::SignedIn, 30000);
+        m_app->router().open(u"/settings"_s);
+        QTRY_COMPARE_WITH_TIMEOUT(text(u"pageTitle"_s), u"Settings"_s, 20000);
+        QCOMPARE(storedByPages(), u"null:0"_s);
         QVERIFY2(qmlWarnings.isEmpty(), qPrintable(qmlWarnings.join(u'\n')));
     }
 };

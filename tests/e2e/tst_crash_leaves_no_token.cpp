@@ -1,0 +1,65 @@
+// The access token lives in the secret store and nowhere else on the disk:
+// the app signs in, shows a service page (the session cookie now carries the
+// token in the web profile) and dies by SIGKILL, so nothing is flushed or
+// cleaned up on the way out. Then no file under the app's data and cache
+// folders holds the token or the session cookie. The child also set six
+// hundred persistent cookies just before, enough to make a cookie database
+// on the disk write at once; none of them is there either, because the web
+// profile keeps its cookies in memory only.
+
+#include "DevServiceProcess.h"
+
+#include <QDirIterator>
+#include <QProcess>
+#include <QTemporaryDir>
+#include <QTest>
+
+using namespace Qt::Literals::StringLiterals;
+
+class TestCrashLeavesNoToken : public QObject {
+    Q_OBJECT
+
+private slots:
+    void aKilledAppLeavesNoTokenOnTheDisk()
+    {
+        KestroTest::DevServiceProcess service{QStringLiteral(KESTRO_DEVSERVICE)};
+        service.start({u"--auto-approve"_s});
+        QTemporaryDir data;
+        QVERIFY(data.isValid());
+
+        QProcess child;
+        QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+        environment.insert(u"XDG_DATA_HOME"_s, data.path());
+        environment.insert(u"XDG_CACHE_HOME"_s, data.filePath(u"cache"_s));
+        child.setProcessEnvironment(environment);
+        child.setProcessChannelMode(QProcess::ForwardedErrorChannel);
+        child.start(QStringLiteral(KESTRO_CRASH_CHILD), {service.origin().toString()});
+        QVERIFY(child.waitForStarted());
+        QByteArray said;
+        QDeadlineTimer deadline(90'000);
+        while (!said.contains('\n') && !deadline.hasExpired() && child.state() == QProcess::Running)
+            if (child.waitForReadyRead(500))
+                said += child.readAllStandardOutput();
+        QVERIFY2(said.startsWith("ready "), said.constData());
+        const QByteArray token = said.mid(6).trimmed();
+        QVERIFY(token.size() >= 16);
+        child.kill(); // SIGKILL: no shutdown, no flush
+        QVERIFY(child.waitForFinished());
+
+        QStringList holding;
+        QDirIterator files(data.path(), QDir::Files | QDir::Hidden, QDirIterator::Subdirectories);
+        while (files.hasNext()) {
+            QFile file(files.next());
+            if (!file.open(QIODevice::ReadOnly))
+                continue;
+            const QByteArray bytes = file.readAll();
+            if (bytes.contains(token) || bytes.contains("kestro_app_token") ||
+                bytes.contains("kestro_probe_"))
+                holding << file.fileName();
+        }
+        QVERIFY2(holding.isEmpty(), qPrintable(holding.join(u", "_s)));
+    }
+};
+
+QTEST_GUILESS_MAIN(TestCrashLeavesNoToken)
+#include "tst_crash_leaves_no_token.moc"
