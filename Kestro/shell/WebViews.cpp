@@ -259,8 +259,9 @@ void WebBridge::setViews(WebViews* views)
 
 void WebBridge::post(const QString& json)
 {
-    if (theViews)
-        theViews->receive(json, m_pageUrl);
+    // The view's own address, never one the page states.
+    if (theViews && parent())
+        theViews->receive(json, parent()->property("url").toUrl());
 }
 
 } // namespace Kestro

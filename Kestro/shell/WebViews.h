@@ -114,20 +114,15 @@ private:
 };
 
 // The object a page's relay script calls, one per view, registered in the
-// view's web channel as "kestro".
+// view's web channel as "kestro". It is declared inside its view, whose
+// address tells who sent a message: the page can call post() and nothing
+// else, so it cannot claim another address.
 class WebBridge : public QObject {
     Q_OBJECT
-    Q_PROPERTY(QUrl pageUrl MEMBER m_pageUrl NOTIFY pageUrlChanged)
 public:
     using QObject::QObject;
     static void setViews(WebViews* views);
     Q_INVOKABLE void post(const QString& json);
-
-signals:
-    void pageUrlChanged();
-
-private:
-    QUrl m_pageUrl;
 };
 
 } // namespace Kestro

@@ -281,6 +281,8 @@ private slots:
             Q_ARG(QString, u"document.querySelector('a[href=\"/crm/customers\"]').click()"_s)));
         QTRY_COMPARE_WITH_TIMEOUT(route(), u"/crm/customers"_s, 10000);
         QTRY_COMPARE_WITH_TIMEOUT(text(u"pageTitle"_s), u"Customers"_s, 20000);
+        // The page's own title came over the bridge, from the view's address.
+        QTRY_COMPARE_WITH_TIMEOUT(m_app->webViews().title(), u"Customers"_s, 10000);
     }
 
     void aPageCannotSteerTheAppThroughKestroAddresses()

@@ -6,6 +6,7 @@
 #include "shell/ReturnActivates.h"
 #include "shell/RobotFace.h"
 #include "shell/WebAuthSession.h"
+#include "shell/WebViews.h"
 
 #include <QDir>
 #include <QQuickItem>
@@ -133,6 +134,19 @@ private slots:
         session.cancel();
         QTRY_VERIFY(outcome.has_value());
         QCOMPARE(*outcome, std::nullopt);
+    }
+
+    void aPageCanOnlyPostToTheBridge()
+    {
+        // A page sees the bridge through the web channel, which publishes
+        // every property and method: it may post, and set nothing that
+        // would change who it says it is (the sender is the view's address).
+        const QMetaObject& bridge = WebBridge::staticMetaObject;
+        QCOMPARE(bridge.propertyCount(), QObject::staticMetaObject.propertyCount());
+        QStringList methods;
+        for (int i = bridge.methodOffset(); i < bridge.methodCount(); ++i)
+            methods << QString::fromLatin1(bridge.method(i).methodSignature());
+        QCOMPARE(methods, QStringList{u"post(QString)"_s});
     }
 
     void everyTeammateHasItsOwnFace()

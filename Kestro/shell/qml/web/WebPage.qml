@@ -120,6 +120,12 @@ Item {
             if (status !== WebEngineView.NormalTerminationStatus)
                 page.failure = "The page stopped unexpectedly."
         }
+        // Inside the view: a message's sender is the view's address.
+        WebBridge {
+            id: bridge
+            WebChannel.id: "kestro" // qmllint disable type
+        }
+
         Component.onCompleted: {
             page.installScripts()
             WebViews.attach(view)
@@ -128,11 +134,6 @@ Item {
     }
 
     WebChannel { id: channel; registeredObjects: [bridge] }
-    WebBridge {
-        id: bridge
-        WebChannel.id: "kestro" // qmllint disable type
-        pageUrl: view.url
-    }
 
     Rectangle {
         anchors.top: parent.top
