@@ -251,37 +251,45 @@ QCoro::Task<> Auth::load()
     co_await loading.result();
 }
 
+template <typename T> QCoro::Task<std::optional<T>> Auth::within(QCoro::Task<T> job)
+{
+    // The job goes on by itself; this waits for its answer until the
+    // deadline. Another job's answer wakes this one too, so it waits on
+    // until its own is in.
+    QPointer<Auth> self(this);
+    auto answer = std::make_shared<std::optional<T>>();
+    [](QPointer<Auth> auth, QCoro::Task<T> job, std::shared_ptr<std::optional<T>> into) -> QCoro::Task<> {
+        *into = co_await std::move(job);
+        if (auth)
+            emit auth->storeAnswered();
+    }(self, std::move(job), answer);
+    const QDeadlineTimer deadline(m_storeDeadline);
+    while (!*answer && self && !deadline.hasExpired()) {
+        const auto left = std::chrono::milliseconds(std::max<qint64>(1, deadline.remainingTime()));
+        co_await qCoro(this, &Auth::storeAnswered, left);
+    }
+    co_return *answer;
+}
+
 QCoro::Task<std::optional<Tokens>> Auth::readStored()
 {
     // A failed read or an item that does not decode means signed out. A
     // store that never answers (a hung keyring daemon) means the same once
     // the deadline passes, rather than an endless launch.
     QPointer<Auth> self(this);
-    auto read = std::make_shared<std::optional<SecretStore::ReadResult>>();
-    [](QPointer<Auth> auth, SecretStore& store, QString key,
-       std::shared_ptr<std::optional<SecretStore::ReadResult>> into) -> QCoro::Task<> {
-        *into = co_await store.read(key);
-        if (auth)
-            emit auth->storeAnswered();
-    }(self, m_store, keychainKey(), read);
-    // Another read's answer wakes this one too: wait on until this read's
-    // own answer is in, or the deadline has passed.
-    const QDeadlineTimer deadline(m_storeDeadline);
-    while (!*read && self && !deadline.hasExpired()) {
-        const auto left = std::chrono::milliseconds(std::max<qint64>(1, deadline.remainingTime()));
-        co_await qCoro(this, &Auth::storeAnswered, left);
-    }
-    if (!*read) {
-        if (self)
-            m_storeProblem = QStringLiteral("The secret store did not answer, so Kestro could not read your "
-                                            "sign-in. Check that GNOME Keyring or KWallet is running and "
-                                            "unlocked, then sign in.");
+    const std::optional<SecretStore::ReadResult> read = co_await within(m_store.read(keychainKey()));
+    if (!self)
+        co_return std::nullopt;
+    if (!read) {
+        m_storeProblem = QStringLiteral("The secret store did not answer, so Kestro could not read your "
+                                        "sign-in. Check that GNOME Keyring or KWallet is running and "
+                                        "unlocked, then sign in.");
         co_return std::nullopt;
     }
-    m_storeProblem = (*read)->outcome.description();
-    if (!(*read)->data)
+    m_storeProblem = read->outcome.description();
+    if (!read->data)
         co_return std::nullopt;
-    co_return Tokens::fromJson(*(*read)->data);
+    co_return Tokens::fromJson(*read->data);
 }
 
 void Auth::adopt(std::optional<Tokens> tokens)
@@ -301,11 +309,17 @@ QCoro::Task<> Auth::store(std::optional<Tokens> tokens)
     m_loaded = true;
     adopt(tokens);
     // Write failures are not the caller's problem: the tokens still work for
-    // this run, and the store remembers why it failed for whoever asks.
+    // this run, and the store remembers why it failed for whoever asks. A
+    // store that does not answer holds up neither sign-in nor sign-out.
+    QPointer<Auth> self(this);
+    std::optional<SecretStore::Outcome> outcome;
     if (tokens)
-        co_await m_store.write(keychainKey(), tokens->toJson());
+        outcome = co_await within(m_store.write(keychainKey(), tokens->toJson()));
     else
-        co_await m_store.remove(keychainKey());
+        outcome = co_await within(m_store.remove(keychainKey()));
+    if (self && !outcome)
+        qWarning("The secret store did not answer, so Kestro could not %s your sign-in there.",
+                 tokens ? "keep" : "remove");
 }
 
 QCoro::Task<> Auth::signOut()

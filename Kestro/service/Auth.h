@@ -82,6 +82,9 @@ private:
     QString keychainKey() const;
     QCoro::Task<> load();
     QCoro::Task<std::optional<Tokens>> readStored();
+    // The answer of a secret store job, or nothing when the store deadline
+    // passed first.
+    template <typename T> QCoro::Task<std::optional<T>> within(QCoro::Task<T> job);
     QCoro::Task<std::optional<Tokens>> sharedRefresh();
     QCoro::Task<std::optional<Tokens>> runRefresh(SharedTask<std::optional<Tokens>> self);
     QCoro::Task<Tokens> tokenRequest(Form form);

@@ -59,8 +59,16 @@ public:
         co_await qCoro(&m_never, &QTimer::timeout);
         co_return ReadResult{};
     }
-    QCoro::Task<Outcome> write(QString, QByteArray) override { co_return Outcome{}; }
-    QCoro::Task<Outcome> remove(QString) override { co_return Outcome{}; }
+    QCoro::Task<Outcome> write(QString, QByteArray) override
+    {
+        co_await qCoro(&m_never, &QTimer::timeout);
+        co_return Outcome{};
+    }
+    QCoro::Task<Outcome> remove(QString) override
+    {
+        co_await qCoro(&m_never, &QTimer::timeout);
+        co_return Outcome{};
+    }
 
 private:
     QTimer m_never;
@@ -200,6 +208,18 @@ private slots:
         QCOMPARE(blockingWait(auth.accessToken()), std::nullopt);
         QVERIFY2(auth.storeProblem().startsWith(u"The secret store did not answer"_s),
                  qPrintable(auth.storeProblem()));
+
+        // Nor does it hold up signing in (the tokens work for this run) or
+        // signing out.
+        const Authorization a = auth.begin(QString(Auth::redirectUri));
+        QTest::ignoreMessage(QtWarningMsg, "The secret store did not answer, so Kestro could not keep your "
+                                           "sign-in there.");
+        blockingWait(auth.finish(service.approve(a.url), a));
+        QVERIFY(auth.tokens());
+        QTest::ignoreMessage(QtWarningMsg, "The secret store did not answer, so Kestro could not remove your "
+                                           "sign-in there.");
+        blockingWait(auth.signOut());
+        QVERIFY(!auth.tokens());
     }
 
     void tokenAnswersAreCheckedBeforeUse()
