@@ -22,6 +22,7 @@ AppModel::AppModel(Client& client, Router& router, Desktop desktop, QObject* par
     m_changeTimer.setSingleShot(true);
     m_changeTimer.setInterval(250);
     connect(&m_changeTimer, &QTimer::timeout, this, [this] { restartDataRefresh(); });
+    connect(&m_router, &Router::routeChanged, this, &AppModel::followSetup);
     m_client.setAppLink(this);
 }
 
@@ -77,6 +78,7 @@ QCoro::Task<bool> AppModel::loadFrame()
     setLoadingFrame(true);
     QString failure;
     QVariantMap frame;
+    bool redirected = false;
     try {
         const Calls::shell::FrameResult result = co_await Calls::shell::frame();
         frame = result.encode().toObject().toVariantMap();
@@ -87,6 +89,7 @@ QCoro::Task<bool> AppModel::loadFrame()
                 setLoadingFrame(false);
             co_return false;
         }
+        redirected = error.kind() == CallError::Kind::Redirect;
         failure = error.description();
     } catch (const std::exception& error) {
         failure = describeError(error);
@@ -94,6 +97,22 @@ QCoro::Task<bool> AppModel::loadFrame()
     if (!self || generation != m_frameGeneration)
         co_return false;
     setLoadingFrame(false);
+    if (redirected && m_phase != Phase::SignedIn) {
+        // The client handed the path on already. A workspace that is not
+        // set up shows its setup in place of the frame.
+        if (!m_setupPath.isEmpty()) {
+            setFrameError({});
+            setPhase(Phase::Launching);
+            co_return false;
+        }
+        // Sent to another page: it opens once the frame shows, which the
+        // service is asked for once more.
+        if (!std::exchange(m_frameRedirected, true))
+            co_return co_await loadFrame();
+        failure = QStringLiteral("The service sent Kestro elsewhere instead of loading your workspace. "
+                                 "Try again in a moment.");
+    }
+    m_frameRedirected = false;
     if (!failure.isEmpty()) {
         setFrameError(failure);
         co_return false;
@@ -167,6 +186,12 @@ void AppModel::signOut()
     emit frameChanged();
     setFrameError({});
     m_pendingLinks.clear();
+    m_pendingPaths.clear();
+    m_frameRedirected = false;
+    if (!m_setupPath.isEmpty()) {
+        m_setupPath.clear();
+        emit setupPathChanged();
+    }
     Drafts::clear();
     m_changeTimer.stop();
     m_router.reset(Route::parse(startPath));
@@ -256,6 +281,9 @@ void AppModel::deliverPendingLinks()
     const QList<QUrl> links = std::exchange(m_pendingLinks, {});
     for (const QUrl& url : links)
         m_router.openDeepLink(url);
+    const QStringList paths = std::exchange(m_pendingPaths, {});
+    for (const QString& path : paths)
+        m_router.open(path);
 }
 
 void AppModel::dataChanged()
@@ -285,16 +313,43 @@ void AppModel::openAppPath(const QString& path)
 {
     if (m_phase == Phase::SignedIn)
         m_router.open(path);
+    else
+        m_pendingPaths.append(path);
 }
 
 void AppModel::startSetup(const QString& path)
 {
+    if (m_phase == Phase::SignedIn) {
+        m_router.open(path);
+        return;
+    }
+    // Before the frame: the setup screen shows the step, and the router
+    // starts from it so its links and the page's own moves are seen.
     if (m_setupPath != path) {
         m_setupPath = path;
         emit setupPathChanged();
     }
-    if (m_phase == Phase::SignedIn)
-        m_router.open(path);
+    m_router.reset(Route::parse(path));
+}
+
+void AppModel::followSetup()
+{
+    if (m_phase == Phase::SignedIn || m_setupPath.isEmpty())
+        return;
+    const QString path = m_router.route().text();
+    if (path.startsWith(QLatin1String("/setup"))) {
+        if (path != m_setupPath) {
+            m_setupPath = path;
+            emit setupPathChanged();
+        }
+        return;
+    }
+    // The setup is over: the workspace's frame, on the page the setup
+    // ended on, with a history that starts there.
+    m_setupPath.clear();
+    emit setupPathChanged();
+    m_router.reset(m_router.route());
+    loadFrame();
 }
 
 void AppModel::setPhase(Phase phase)

@@ -74,7 +74,8 @@ public:
     // Loads the frame again ("Try again" on the failure page, data changes).
     Q_INVOKABLE void reload();
     // A URL the system opened in the app: the sign-in's callback or a deep
-    // link. Links that arrive before the frame is shown wait for it.
+    // link. Links that arrive before the frame is shown wait for it, as do
+    // the service's redirects.
     Q_INVOKABLE void openUrl(const QUrl& url);
     // A web page said its data changed: after a quarter of a second without
     // another such message, the router's tick moves and pages reload.
@@ -113,6 +114,9 @@ private:
     void setLoadingFrame(bool on);
     void setSwitchError(const QString& error);
     void deliverPendingLinks();
+    // The router moved while the workspace is being set up: the next step,
+    // or the end of the setup.
+    void followSetup();
 
     Client& m_client;
     Router& m_router;
@@ -128,6 +132,9 @@ private:
     bool m_started = false;
     quint64 m_frameGeneration = 0;
     QList<QUrl> m_pendingLinks;
+    // Paths the service sent the app to before the frame showed.
+    QStringList m_pendingPaths;
+    bool m_frameRedirected = false; // the frame call was sent elsewhere once
     QTimer m_changeTimer;
 };
 

@@ -50,7 +50,10 @@ nav a{color:var(--muted);text-decoration:none}nav a:hover{color:var(--fg)}
 main{max-width:760px;margin:32px auto;padding:0 24px}
 .card{background:var(--card);border:1px solid var(--line);border-radius:12px;padding:24px 28px;max-width:460px;margin:64px auto}
 button{font:inherit;padding:8px 16px;border-radius:8px;border:1px solid var(--line);background:var(--card);color:var(--fg);cursor:pointer}
-button.primary{background:var(--accent);border-color:var(--accent);color:#fff}
+button.primary,a.button.primary{background:var(--accent);border-color:var(--accent);color:#fff}
+a.button{display:inline-block;font:inherit;padding:8px 16px;border-radius:8px;text-decoration:none}
+input{font:inherit;width:100%;box-sizing:border-box;padding:8px 10px;border-radius:8px;border:1px solid var(--line);background:var(--bg);color:var(--fg)}
+label{color:var(--muted)}
 table{border-collapse:collapse;width:100%}td,th{border-bottom:1px solid var(--line);padding:8px;text-align:left}
 .muted{color:var(--muted)}
 </style>)" +

@@ -22,6 +22,7 @@ std::string usage()
            "  --data DIR          keep the data here (default $XDG_DATA_HOME/kestro-devservice)\n"
            "  --reset             start again from the demo data\n"
            "  --auto-approve      skip the consent page at sign-in\n"
+           "  --setup             send the demo workspace through its setup again\n"
            "  --token-ttl S       access tokens live S seconds (default 3600)\n"
            "  --code-ttl S        sign-in codes stay good S seconds (default 60)\n"
            "  --time-scale F      teammates work F times faster (default 1)\n"
@@ -47,6 +48,8 @@ std::optional<Options> parseOptions(int argc, char** argv, std::string& error)
             options.reset = true;
         } else if (flag == "--auto-approve") {
             options.autoApprove = true;
+        } else if (flag == "--setup") {
+            options.setup = true;
         } else if (flag == "--port" || flag == "--token-ttl" || flag == "--code-ttl" ||
                    flag == "--time-scale" || flag == "--latency" || flag == "--fail-rate") {
             const char* text = value();

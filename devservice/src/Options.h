@@ -11,6 +11,7 @@ struct Options {
     std::string dataDir; // empty: $XDG_DATA_HOME/kestro-devservice
     bool reset = false;
     bool autoApprove = false;
+    bool setup = false;     // the demo workspace starts its setup again
     double tokenTtl = 3600; // seconds an access token lives
     double codeTtl = 60;    // seconds a sign-in code stays good
     double timeScale = 1;   // >1 makes the teammates work faster

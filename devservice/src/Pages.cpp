@@ -99,6 +99,40 @@ std::string flagSvg(const std::string& code)
     return svg + "</svg>";
 }
 
+// The two steps of a workspace's setup: its business, then its kest. The
+// last one finishes the setup and sends the app to Home through the
+// page's history, as the service's own pages do.
+std::string setupPage(const std::string& step, const json& user, const json& space)
+{
+    const std::string progress = step == "business" ? "Step 1 of 2" : "Step 2 of 2";
+    std::string body = "<main class=\"card\"><p class=\"muted\">" + progress + "</p>";
+    if (step == "business") {
+        body += "<h1>Tell Kestro about your business</h1>"
+                "<p class=\"muted\">Your teammates read this before their first task, so they start "
+                "out knowing what you sell and to whom.</p>"
+                "<p><label>Business name<br><input id=\"name\" value=\"" +
+                escapeHtml(space.value("name", "")) +
+                "\"></label></p>"
+                "<p><label>What you sell<br><input id=\"what\" value=\"Design and build of small "
+                "shops on the web\"></label></p>"
+                "<p><a class=\"button primary\" id=\"continue\" href=\"/setup/launch\">Continue</a></p>";
+    } else {
+        body +=
+            "<h1>Meet your kest</h1>"
+            "<p class=\"muted\">Quill writes, Forge builds and Scout looks things up. They are "
+            "ready when you are, " +
+            escapeHtml(user.value("name", "")) +
+            ".</p>"
+            "<p><button class=\"primary\" id=\"finish\" onclick=\"finish()\">Finish setup</button> "
+            "<span id=\"status\" class=\"muted\"></span></p>"
+            "<script>function finish(){var s=document.getElementById('status');s.textContent='Finishing…';"
+            "fetch('/setup/complete',{method:'POST'}).then(function(r){if(!r.ok)throw r.status;"
+            "history.pushState({},'','/activity')}).catch(function(){s.textContent='That did not go "
+            "through. Try again.'})}</script>";
+    }
+    return page("Set up " + space.value("name", std::string("your workspace")), body + "</main>");
+}
+
 } // namespace
 
 void installPages(httplib::Server& server, Service& service)
@@ -137,6 +171,40 @@ void installPages(httplib::Server& server, Service& service)
                 "/downloads/kestro-0.1.0.tar.gz\" length=\"0\" type=\"application/octet-stream\""
                 " sparkle:version=\"0.1.0\"/></item></channel></rss>\n",
             "application/rss+xml");
+    });
+    server.Get(
+        "/setup/(business|launch)", [&service](const httplib::Request& r, httplib::Response& response) {
+            const auto user = userForSessionCookie(service, r);
+            const auto caller = user ? service.callerFor(*user) : std::nullopt;
+            if (!caller) {
+                response.set_redirect("/login?next=" + httplib::detail::encode_query_param(r.path));
+                return;
+            }
+            const std::string step = r.matches[1];
+            auto space = service.store.get("workspace", caller->workspace);
+            if (!space)
+                return;
+            // A workspace that is set up has nothing to show here.
+            if (setupStep(service, caller->workspace).empty()) {
+                response.set_redirect("/activity");
+                return;
+            }
+            if (step == "launch")
+                service.store.transaction([&] {
+                    (*space)["setupStep"] = "launch";
+                    service.store.put("workspace", caller->workspace, caller->workspace, *space);
+                });
+            response.set_content(setupPage(step, service.person(*user), *space), "text/html; charset=utf-8");
+        });
+    server.Post("/setup/complete", [&service](const httplib::Request& r, httplib::Response& response) {
+        const auto user = userForSessionCookie(service, r);
+        const auto caller = user ? service.callerFor(*user) : std::nullopt;
+        if (!caller) {
+            response.status = 401;
+            return;
+        }
+        finishSetup(service, caller->workspace);
+        response.status = 204;
     });
     // Every other page path is an in-app page, behind the session cookie.
     server.Get("/(?!api/).*", [&service](const httplib::Request& r, httplib::Response& response) {

@@ -94,4 +94,30 @@ void Service::notify(const std::string& workspace, const std::string& user, cons
                    {"at", isoNow()}});
 }
 
+void restartSetup(Service& service, const std::string& workspace)
+{
+    service.store.transaction([&] {
+        if (auto space = service.store.get("workspace", workspace)) {
+            (*space)["setupStep"] = "business";
+            service.store.put("workspace", workspace, workspace, *space);
+        }
+    });
+}
+
+std::string setupStep(Service& service, const std::string& workspace)
+{
+    const auto space = service.store.get("workspace", workspace);
+    return space ? space->value("setupStep", "") : "";
+}
+
+void finishSetup(Service& service, const std::string& workspace)
+{
+    service.store.transaction([&] {
+        if (auto space = service.store.get("workspace", workspace)) {
+            space->erase("setupStep");
+            service.store.put("workspace", workspace, workspace, *space);
+        }
+    });
+}
+
 } // namespace devservice

@@ -51,5 +51,11 @@ struct Service {
 
 // Creates the demo data on first start.
 void seed(Service& service);
+// Puts a workspace back at the first step of its setup: until it is done,
+// the frame sends its members there.
+void restartSetup(Service& service, const std::string& workspace);
+// The setup step a workspace still has to take ("" when set up).
+std::string setupStep(Service& service, const std::string& workspace);
+void finishSetup(Service& service, const std::string& workspace);
 
 } // namespace devservice

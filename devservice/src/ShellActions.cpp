@@ -41,6 +41,12 @@ int unreadOf(ActionContext& ctx)
 json frame(ActionContext& ctx, const json&)
 {
     Service& s = ctx.service;
+    // A workspace that is not set up yet has no frame to show: its members
+    // go to the step they are at.
+    if (const std::string step = setupStep(s, ctx.caller.workspace); !step.empty()) {
+        ctx.effects["redirect"] = "/setup/" + step;
+        return nullptr;
+    }
     const json user = *s.store.get("user", ctx.caller.user);
     const json space = *s.store.get("workspace", ctx.caller.workspace);
     json workspaces = json::array();

@@ -62,6 +62,8 @@ int main(int argc, char** argv)
         Service service(*options, database);
         if (service.store.isEmpty())
             seed(service);
+        if (options->setup)
+            restartSetup(service, "w1");
         auto server = makeServer(service);
         if (!server->bind_to_port(options->host, options->port)) {
             std::fprintf(stderr,

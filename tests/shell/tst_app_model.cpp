@@ -52,6 +52,7 @@ struct World {
     int revocationsAtWebClear = -1;
     int failFrames = 0;            // the next n frame loads answer 500
     bool revalidateFrames = false; // frame answers ask for a data refresh
+    QStringList frameRedirects;    // the next frame loads send the app to these paths
     int signIns = 0;
     QString workspace = u"w1"_s;
     QString switchRefusal;
@@ -91,6 +92,9 @@ struct World {
                     --failFrames;
                     return {500, "down"};
                 }
+                if (!frameRedirects.isEmpty())
+                    return jsonAnswer(QJsonValue::Null,
+                                      QJsonObject{{u"redirect"_s, frameRedirects.takeFirst()}});
                 return jsonAnswer(
                     frameOf(workspace, workspace == u"w1"_s ? u"Northwind Studio"_s : u"Lakeside Labs"_s,
                             workspace == u"w1"_s ? u"owner"_s : u"viewer"_s),
@@ -206,6 +210,54 @@ private slots:
         QTest::qWait(500);
         QCOMPARE(world.frameCalls, frames + 1);
         QVERIFY(world.app->frameError().isEmpty());
+    }
+
+    void aWorkspaceInSetupShowsItsStepsThenItsFrame()
+    {
+        // The frame call sends a workspace that is not set up to its setup:
+        // no frame and no failure, the step to show.
+        World world(true);
+        world.frameRedirects = {u"/setup/business"_s};
+        world.app->start();
+        QTRY_COMPARE(world.app->setupPath(), u"/setup/business"_s);
+        QTRY_VERIFY(!world.app->isLoadingFrame());
+        QCOMPARE(world.app->phase(), AppModel::Phase::Launching);
+        QVERIFY(world.app->frameError().isEmpty());
+        QCOMPARE(world.router->route().text(), u"/setup/business"_s);
+        QCOMPARE(world.frameCalls, 1);
+
+        // Its link to the next step moves the setup on, not the frame.
+        world.router->open(u"/setup/launch"_s);
+        QCOMPARE(world.app->setupPath(), u"/setup/launch"_s);
+        QCOMPARE(world.frameCalls, 1);
+
+        // The last step sends the app on: the frame loads, on that page,
+        // with no way back into the setup.
+        world.router->open(u"/activity?view=you"_s);
+        QTRY_COMPARE(world.app->phase(), AppModel::Phase::SignedIn);
+        QVERIFY(world.app->setupPath().isEmpty());
+        QCOMPARE(world.router->route().text(), u"/activity?view=you"_s);
+        QVERIFY(!world.router->canGoBack());
+    }
+
+    void aFrameSentElsewhereOpensThatPageOnceItShows()
+    {
+        World world(true);
+        world.frameRedirects = {u"/settings?tab=billing"_s};
+        world.app->start();
+        QTRY_COMPARE(world.app->phase(), AppModel::Phase::SignedIn);
+        QCOMPARE(world.frameCalls, 2);
+        QCOMPARE(world.router->route().text(), u"/settings?tab=billing"_s);
+
+        // A service that keeps sending it elsewhere gets a sentence, not a
+        // loop.
+        World stuck(true);
+        stuck.frameRedirects = {u"/settings"_s, u"/settings"_s, u"/settings"_s};
+        stuck.app->start();
+        QTRY_VERIFY(!stuck.app->frameError().isEmpty());
+        QVERIFY2(stuck.app->frameError().startsWith(u"The service sent Kestro elsewhere"_s),
+                 qPrintable(stuck.app->frameError()));
+        QCOMPARE(stuck.frameCalls, 2);
     }
 
     void signInThroughTheWebSession()

@@ -53,8 +53,10 @@ ApplicationWindow {
     Loader {
         anchors.fill: parent
         active: App.phase === App.Launching
-        sourceComponent: App.frameError.length > 0 ? failure : launching
+        sourceComponent: App.frameError.length > 0 ? failure
+                         : App.setupPath.length > 0 && !App.loadingFrame ? setup : launching
         Component { id: failure; FailureScreen {} }
+        Component { id: setup; SetupScreen {} }
         Component { id: launching; LaunchScreen {} }
     }
 
