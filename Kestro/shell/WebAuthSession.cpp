@@ -40,7 +40,7 @@ QCoro::Task<std::optional<QUrl>> WebAuthSession::authenticate(QUrl authorize)
     m_inBrowser = m_openBrowser && m_openBrowser(authorize);
     if (!m_inBrowser && !(m_sheetReady && m_sheetReady())) {
         end({});
-        co_return std::nullopt;
+        throw NoSignInWindow();
     }
     emit stateChanged();
     const QUrl callback = co_await qCoro(this, &WebAuthSession::ended);

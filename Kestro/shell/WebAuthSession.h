@@ -1,5 +1,7 @@
 #pragma once
 
+#include "service/ServiceError.h"
+
 #include <QCoroTask>
 #include <QObject>
 #include <QUrl>
@@ -15,6 +17,16 @@ namespace Kestro {
 // browser opens, or when the user asks ("Sign in here instead"), a sheet in
 // the window shows the page instead, kept to the service's own origin.
 // Only the callback that carries this sign-in's state ends it.
+// Neither the browser nor the sheet could open: the sign-in card says so.
+class NoSignInWindow : public ServiceError {
+public:
+    QString description() const override
+    {
+        return QStringLiteral("Kestro could open neither your web browser nor its own sign-in window. Set a "
+                              "default web browser in your desktop's settings, then try again.");
+    }
+};
+
 class WebAuthSession : public QObject {
     Q_OBJECT
     // The authorization address while the sheet is open; empty otherwise.

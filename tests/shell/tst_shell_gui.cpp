@@ -134,6 +134,19 @@ private slots:
         session.cancel();
         QTRY_VERIFY(outcome.has_value());
         QCOMPARE(*outcome, std::nullopt);
+
+        // Where neither opens, a sentence says what to do.
+        WebAuthSession stranded([](const QUrl&) { return false; }, [] { return false; });
+        QString said;
+        auto third = [&]() -> QCoro::Task<> {
+            try {
+                co_await stranded.authenticate(authorize);
+            } catch (const ServiceError& error) {
+                said = error.description();
+            }
+        }();
+        QTRY_VERIFY(said.startsWith(u"Kestro could open neither your web browser"_s));
+        QVERIFY(!stranded.isOpen());
     }
 
     void aPageCanOnlyPostToTheBridge()
