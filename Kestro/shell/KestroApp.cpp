@@ -28,6 +28,7 @@
 #include "service/ServiceOrigin.h"
 
 #include <QCommandLineParser>
+#include <QCryptographicHash>
 #include <QDesktopServices>
 #include <QGuiApplication>
 #include <QQmlApplicationEngine>
@@ -257,7 +258,16 @@ int KestroApp::main(int argc, char** argv)
     for (const QString& argument : parser.positionalArguments())
         urls.append(QUrl(argument));
 
-    SingleInstance instance(SingleInstance::defaultName());
+    // A run against another service is an app of its own: it does not hand
+    // its links to the user's usual window, nor take theirs.
+    QString name = SingleInstance::defaultName();
+    if (parser.isSet(originOption))
+        name += QLatin1Char('-') +
+                QString::fromLatin1(
+                    QCryptographicHash::hash(parser.value(originOption).toUtf8(), QCryptographicHash::Sha256)
+                        .toHex()
+                        .left(12));
+    SingleInstance instance(name);
     if (instance.handOff(urls))
         return 0;
     if (!instance.listen()) {
