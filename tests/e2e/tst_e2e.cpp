@@ -324,6 +324,13 @@ private slots:
                            "fetch('kestro://settings/appearance').catch(() => {});"_s)));
         QTest::qWait(1500);
         QCOMPARE(route(), u"/crm/customers"_s);
+        // The control: the same page does move the app, its own way, through
+        // the bridge.
+        QVERIFY(QMetaObject::invokeMethod(web, "runJavaScript",
+                                          Q_ARG(QString, u"history.pushState({}, '', '/tasks')"_s)));
+        QTRY_COMPARE_WITH_TIMEOUT(route(), u"/tasks"_s, 10000);
+        m_app->router().goBack();
+        QTRY_COMPARE(route(), u"/crm/customers"_s);
     }
 
     void goesBackAndForward()
@@ -336,6 +343,8 @@ private slots:
         QTRY_COMPARE(route(), u"/analytics"_s);
         click(u"forwardButton"_s);
         QTRY_COMPARE(route(), u"/crm/customers"_s);
+        click(u"forwardButton"_s); // to the page the service page opened
+        QTRY_COMPARE(route(), u"/tasks"_s);
         QVERIFY(!m_app->router().canGoForward());
     }
 
