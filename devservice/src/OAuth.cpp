@@ -205,6 +205,13 @@ void installOAuth(httplib::Server& server, Service& service)
     });
 
     server.Post("/api/oauth/token", [&service](const httplib::Request& r, httplib::Response& response) {
+        // An outage hits sign-in and refresh too: the app must tell it from
+        // a refusal and keep the user signed in.
+        if (service.failsOnPurpose()) {
+            response.status = 503;
+            response.set_content(json{{"error", "temporarily_unavailable"}}.dump(), "application/json");
+            return;
+        }
         if (r.get_param_value("client_id") != clientId)
             return oauthError(response, "invalid_client", "Kestro does not know this app.");
         const std::string grant = r.get_param_value("grant_type");

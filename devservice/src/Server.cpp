@@ -10,7 +10,6 @@
 #include <cstdio>
 #include <fstream>
 #include <mutex>
-#include <random>
 #include <thread>
 
 namespace devservice {
@@ -23,20 +22,12 @@ void jsonError(httplib::Response& response, int status, const std::string& messa
     response.set_content(json{{"error", message}}.dump(), "application/json");
 }
 
-bool shouldFail(double rate)
-{
-    static std::mutex mutex;
-    static std::mt19937 engine{std::random_device{}()};
-    std::lock_guard lock(mutex);
-    return std::uniform_real_distribution<double>(0, 1)(engine) < rate;
-}
-
 void handleAction(Service& service, const ActionTable& table, const httplib::Request& request,
                   httplib::Response& response)
 {
     if (service.options.latencyMs > 0)
         std::this_thread::sleep_for(std::chrono::milliseconds(service.options.latencyMs));
-    if (service.options.failRate > 0 && shouldFail(service.options.failRate))
+    if (service.failsOnPurpose())
         return jsonError(response, 503, "The local service is failing on purpose (--fail-rate).");
     const auto user = userForRequest(service, request);
     if (!user)

@@ -1,8 +1,20 @@
 #include "Service.h"
 
 #include <algorithm>
+#include <mutex>
+#include <random>
 
 namespace devservice {
+
+bool Service::failsOnPurpose() const
+{
+    if (options.failRate <= 0)
+        return false;
+    static std::mutex mutex;
+    static std::mt19937 engine{std::random_device{}()};
+    std::lock_guard lock(mutex);
+    return std::uniform_real_distribution<double>(0, 1)(engine) < options.failRate;
+}
 
 std::optional<Caller> Service::callerFor(const std::string& user)
 {

@@ -33,6 +33,8 @@ struct Service {
     {
     }
 
+    // Whether this request is one of the share --fail-rate answers with 503.
+    bool failsOnPurpose() const;
     // The caller's current workspace and role, or nullopt for an unknown user.
     std::optional<Caller> callerFor(const std::string& user);
     // Teammates of a workspace as TeammateView records, lead first.
