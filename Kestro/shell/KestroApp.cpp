@@ -28,7 +28,6 @@
 #include "service/ServiceOrigin.h"
 
 #include <QCommandLineParser>
-#include <QCryptographicHash>
 #include <QDesktopServices>
 #include <QGuiApplication>
 #include <QQmlApplicationEngine>
@@ -258,16 +257,10 @@ int KestroApp::main(int argc, char** argv)
     for (const QString& argument : parser.positionalArguments())
         urls.append(QUrl(argument));
 
-    // A run against another service is an app of its own: it does not hand
-    // its links to the user's usual window, nor take theirs.
-    QString name = SingleInstance::defaultName();
-    if (parser.isSet(originOption))
-        name += QLatin1Char('-') +
-                QString::fromLatin1(
-                    QCryptographicHash::hash(parser.value(originOption).toUtf8(), QCryptographicHash::Sha256)
-                        .toHex()
-                        .left(12));
-    SingleInstance instance(name);
+    // One instance per user, whatever service it talks to: the browser's
+    // sign-in comes back through a plain "kestro <address>" launch, which
+    // must reach the window that waits for it.
+    SingleInstance instance(SingleInstance::defaultName());
     if (instance.handOff(urls))
         return 0;
     if (!instance.listen()) {
