@@ -78,7 +78,7 @@ QCoro::Task<bool> AppModel::loadFrame()
     setLoadingFrame(true);
     QString failure;
     QVariantMap frame;
-    bool redirected = false;
+    QString redirect;
     try {
         const Calls::shell::FrameResult result = co_await Calls::shell::frame();
         frame = result.encode().toObject().toVariantMap();
@@ -89,7 +89,7 @@ QCoro::Task<bool> AppModel::loadFrame()
                 setLoadingFrame(false);
             co_return false;
         }
-        redirected = error.kind() == CallError::Kind::Redirect;
+        redirect = error.path();
         failure = error.description();
     } catch (const std::exception& error) {
         failure = describeError(error);
@@ -97,18 +97,28 @@ QCoro::Task<bool> AppModel::loadFrame()
     if (!self || generation != m_frameGeneration)
         co_return false;
     setLoadingFrame(false);
-    if (redirected && m_phase != Phase::SignedIn) {
-        // The client handed the path on already. A workspace that is not
-        // set up shows its setup in place of the frame.
-        if (!m_setupPath.isEmpty()) {
-            setFrameError({});
-            setPhase(Phase::Launching);
+    if (redirect.startsWith(QLatin1String("/setup"))) {
+        // A workspace that is not set up has no frame yet: its setup shows
+        // in place of the frame, whatever showed before.
+        m_frameRedirected = false;
+        m_frame.clear();
+        emit frameChanged();
+        setFrameError({});
+        m_setupPath = redirect;
+        emit setupPathChanged();
+        m_router.reset(Route::parse(redirect));
+        setPhase(Phase::Launching);
+        co_return false;
+    }
+    if (!redirect.isEmpty()) {
+        // Signed in, the client opened the page already and the frame on
+        // screen stays. Before the frame, the page waits for it, and the
+        // service is asked for the frame once more.
+        if (m_phase == Phase::SignedIn)
             co_return false;
-        }
-        // Sent to another page: it opens once the frame shows, which the
-        // service is asked for once more.
         if (!std::exchange(m_frameRedirected, true))
             co_return co_await loadFrame();
+        m_pendingPaths.removeDuplicates();
         failure = QStringLiteral("The service sent Kestro elsewhere instead of loading your workspace. "
                                  "Try again in a moment.");
     }
@@ -319,17 +329,11 @@ void AppModel::openAppPath(const QString& path)
 
 void AppModel::startSetup(const QString& path)
 {
-    if (m_phase == Phase::SignedIn) {
+    // A page's call sent to the setup shows it as a page of the frame. The
+    // frame's own call sent there ends in loadFrame(), which shows the
+    // setup in place of the frame.
+    if (m_phase == Phase::SignedIn)
         m_router.open(path);
-        return;
-    }
-    // Before the frame: the setup screen shows the step, and the router
-    // starts from it so its links and the page's own moves are seen.
-    if (m_setupPath != path) {
-        m_setupPath = path;
-        emit setupPathChanged();
-    }
-    m_router.reset(Route::parse(path));
 }
 
 void AppModel::followSetup()

@@ -28,6 +28,8 @@ public:
         std::function<void(const QUrl&)> schemeAddress;
         // A cookie the site or the engine dropped, by name.
         std::function<void(const QByteArray&)> cookieRemoved;
+        // A new profile was made (the first, or the next session's).
+        std::function<void()> profileMade;
     };
 
     virtual ~WebEngine() = default;

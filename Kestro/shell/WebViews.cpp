@@ -71,6 +71,9 @@ WebEngine* WebViews::engine()
     WebEngine::Hooks hooks;
     hooks.userAgentSuffix = QString::fromLatin1(clientUserAgent());
     hooks.schemeAddress = [this](const QUrl& url) { emit schemeAddress(url); };
+    // A fresh profile (the next session's) gets the session cookie before
+    // its first view loads a page.
+    hooks.profileMade = [this] { writeSessionCookie(); };
     // A session cookie the site or the engine dropped is written again.
     hooks.cookieRemoved = [this](const QByteArray& name) {
         if (QString::fromLatin1(name) == WebScripts::sessionCookieName(m_origin) && m_auth.tokens())
@@ -151,6 +154,14 @@ void WebViews::follow(const QUrl& url)
 
 bool WebViews::landed(const QUrl& url, bool alreadyRetried)
 {
+    // A setup step that moved on by itself (the service's redirect, a
+    // form's answer) ends the setup as a link out of it would.
+    if (m_app.phase() != AppModel::Phase::SignedIn && !m_app.setupPath().isEmpty() &&
+        WebPolicy::sameHost(url, m_origin) && !url.path().startsWith(QLatin1String("/setup")) &&
+        !WebPolicy::isSignInLanding(url)) {
+        m_app.router()->open(url.toString(QUrl::FullyEncoded));
+        return false;
+    }
     if (!WebPolicy::sameHost(url, m_origin) || !WebPolicy::isSignInLanding(url))
         return false;
     if (!alreadyRetried) {

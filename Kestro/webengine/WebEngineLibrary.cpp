@@ -71,8 +71,11 @@ private:
     // session's views, and so mostly its profile, are gone.
     QQuickWebEngineProfile* current()
     {
-        if (!m_profile)
+        if (!m_profile) {
             m_profile = makeProfile();
+            if (m_hooks.profileMade)
+                m_hooks.profileMade();
+        }
         return m_profile;
     }
 

@@ -9,6 +9,7 @@
 #include "shell/AppModel.h"
 #include "shell/KestroApp.h"
 #include "shell/Router.h"
+#include "shell/WebAuthSession.h"
 #include "shell/WebViews.h"
 
 #include <QDateTime>
@@ -42,6 +43,8 @@ int main(int argc, char** argv)
         case 0:
             if (app.app().phase() == AppModel::Phase::SignedOut) {
                 app.app().signIn(); // the service approves on its own
+                // In the window's own sheet: the test gives it no browser.
+                app.authSession().useSheet();
                 stage = 1;
             }
             break;

@@ -1,8 +1,8 @@
 // The access token lives in the secret store and nowhere else on the disk:
 // the app signs in, shows a service page (the session cookie now carries the
 // token in the web profile) and dies by SIGKILL, so nothing is flushed or
-// cleaned up on the way out. Then no file under the app's data and cache
-// folders holds the token or the session cookie. The child also set six
+// cleaned up on the way out. Then no file under its home, data, cache,
+// config and state folders holds the token or the session cookie. The child also set six
 // hundred persistent cookies just before, enough to make a cookie database
 // on the disk write at once; none of them is there either, because the web
 // profile keeps its cookies in memory only.
@@ -27,10 +27,21 @@ private slots:
         QTemporaryDir data;
         QVERIFY(data.isValid());
 
+        // Everything the child could write lands in the temporary folder,
+        // and no browser opens. (Its tokens go to the session's secret
+        // store: scripts/test gives each run a keyring of its own.)
         QProcess child;
         QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
-        environment.insert(u"XDG_DATA_HOME"_s, data.path());
-        environment.insert(u"XDG_CACHE_HOME"_s, data.filePath(u"cache"_s));
+        environment.insert(u"HOME"_s, data.path());
+        for (const char* name : {"XDG_DATA_HOME", "XDG_CACHE_HOME", "XDG_CONFIG_HOME", "XDG_STATE_HOME"})
+            environment.insert(QString::fromLatin1(name), data.filePath(QString::fromLatin1(name).toLower()));
+        QVERIFY(QDir(data.path()).mkpath(u"bin"_s));
+        QFile opener(data.filePath(u"bin/xdg-open"_s));
+        QVERIFY(opener.open(QIODevice::WriteOnly));
+        opener.write("#!/bin/sh\nexit 1\n");
+        opener.close();
+        opener.setPermissions(QFileDevice::ReadOwner | QFileDevice::ExeOwner);
+        environment.insert(u"PATH"_s, data.filePath(u"bin"_s) + u':' + environment.value(u"PATH"_s));
         child.setProcessEnvironment(environment);
         child.setProcessChannelMode(QProcess::ForwardedErrorChannel);
         child.start(QStringLiteral(KESTRO_CRASH_CHILD), {service.origin().toString()});

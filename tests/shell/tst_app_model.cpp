@@ -238,6 +238,20 @@ private slots:
         QVERIFY(world.app->setupPath().isEmpty());
         QCOMPARE(world.router->route().text(), u"/activity?view=you"_s);
         QVERIFY(!world.router->canGoBack());
+
+        // A workspace sent back to its setup while it shows (a switch, a
+        // reload): the setup takes the frame's place, the old frame goes.
+        world.frameRedirects = {u"/setup/business"_s};
+        world.app->reload();
+        QTRY_COMPARE(world.app->phase(), AppModel::Phase::Launching);
+        QCOMPARE(world.app->setupPath(), u"/setup/business"_s);
+        QVERIFY(world.app->frame().isEmpty());
+        QVERIFY(world.app->frameError().isEmpty());
+
+        // Signing out from the setup leaves nothing of it.
+        world.app->signOut();
+        QVERIFY(world.app->setupPath().isEmpty());
+        QCOMPARE(world.router->route().text(), u"/activity"_s);
     }
 
     void aFrameSentElsewhereOpensThatPageOnceItShows()
