@@ -51,6 +51,8 @@ QCoro::Task<> BellModel::runCount()
     } catch (const std::exception&) {
         // A missed poll changes nothing; the next one tries again.
     }
+    if (self && generation == m_generation)
+        emit polled();
 }
 
 void BellModel::load()

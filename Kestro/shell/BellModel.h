@@ -46,6 +46,8 @@ signals:
     void loadingChanged();
     void errorChanged();
     void activeChanged();
+    // A poll of the count ended, answered or not: the desktop's turn.
+    void polled();
 
 private:
     QCoro::Task<> runCount();

@@ -3,8 +3,11 @@
 #include "AppModel.h"
 #include "Appearance.h"
 #include "BellModel.h"
+#include "DesktopNotifications.h"
 #include "Fonts.h"
 #include "IconProvider.h"
+#include "LauncherBadge.h"
+#include "Notifier.h"
 #include "PageCatalog.h"
 #include "PaletteModel.h"
 #include "PlaceChords.h"
@@ -88,12 +91,16 @@ KestroApp::KestroApp(QObject* parent) : QObject(parent)
     m_shell = std::make_unique<ShellState>();
     m_pages = std::make_unique<PageCatalog>();
     m_bell = std::make_unique<BellModel>();
+    m_notifications = std::make_unique<DesktopNotifications>();
+    m_badge = std::make_unique<LauncherBadge>();
+    m_notifier = std::make_unique<Notifier>(*m_notifications, *m_router);
     m_palette = std::make_unique<PaletteModel>();
 
     AppModel::Desktop desktop;
     WebAuthSession* session = m_authSession.get();
     desktop.authenticate = [session](QUrl authorize) { return session->authenticate(std::move(authorize)); };
     desktop.clearWebSession = [this] { m_webViews->clearSession(); };
+    desktop.clearBadge = [this] { m_badge->setCount(0); };
     m_app = std::make_unique<AppModel>(client, *m_router, std::move(desktop));
     m_webViews = std::make_unique<WebViews>(client.origin(), client.auth(), *m_app, *m_appearance);
 
@@ -108,8 +115,20 @@ KestroApp::KestroApp(QObject* parent) : QObject(parent)
     });
     // The bell polls while the signed-in frame shows (and is emptied when
     // it goes); every frame brings the unread count along.
-    connect(m_app.get(), &AppModel::phaseChanged, this,
-            [this] { m_bell->setActive(m_app->phase() == AppModel::Phase::SignedIn); });
+    connect(m_app.get(), &AppModel::phaseChanged, this, [this] {
+        const bool signedIn = m_app->phase() == AppModel::Phase::SignedIn;
+        if (signedIn)
+            m_notifier->start();
+        m_bell->setActive(signedIn);
+    });
+    // After each poll of the count, the desktop hears what is new; the
+    // launcher shows the count the bell shows.
+    connect(m_bell.get(), &BellModel::polled, this, [this] { m_notifier->notifyNew(); });
+    connect(m_bell.get(), &BellModel::unreadChanged, this, [this] {
+        if (m_bell->isActive())
+            m_badge->setCount(m_bell->unread());
+    });
+    connect(m_notifier.get(), &Notifier::raiseRequested, this, &KestroApp::raise);
     connect(m_app.get(), &AppModel::frameChanged, this, [this] {
         const QVariantMap frame = m_app->frame();
         m_palette->setTeammates(frame.value(QStringLiteral("kest")).toList());

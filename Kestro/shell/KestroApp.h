@@ -15,6 +15,9 @@ namespace Kestro {
 class AppModel;
 class Appearance;
 class BellModel;
+class DesktopNotifications;
+class LauncherBadge;
+class Notifier;
 class PageCatalog;
 class PaletteModel;
 class Router;
@@ -54,6 +57,7 @@ public:
     Appearance& appearance() const { return *m_appearance; }
     PageCatalog& pages() const { return *m_pages; }
     BellModel& bell() const { return *m_bell; }
+    LauncherBadge& badge() const { return *m_badge; }
     PaletteModel& palette() const { return *m_palette; }
     WebAuthSession& authSession() const { return *m_authSession; }
     WebViews& webViews() const { return *m_webViews; }
@@ -69,6 +73,9 @@ private:
     std::unique_ptr<Appearance> m_appearance;
     std::unique_ptr<PageCatalog> m_pages;
     std::unique_ptr<BellModel> m_bell;
+    std::unique_ptr<DesktopNotifications> m_notifications;
+    std::unique_ptr<LauncherBadge> m_badge;
+    std::unique_ptr<Notifier> m_notifier;
     std::unique_ptr<PaletteModel> m_palette;
     std::unique_ptr<WebAuthSession> m_authSession;
     std::unique_ptr<WebViews> m_webViews;

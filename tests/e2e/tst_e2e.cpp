@@ -252,10 +252,10 @@ private slots:
         QCOMPARE(at.size(), 2);
         QQuickItem* web = webEngineView();
         QVERIFY(web);
-        const QPoint finish = window()->mapToGlobal(
-            web->mapToScene(QPointF(at[0].toDouble(), at[1].toDouble())).toPoint());
-        xdo({u"mousemove"_s, u"--sync"_s, QString::number(finish.x()), QString::number(finish.y()), u"click"_s,
-             u"1"_s});
+        const QPoint finish =
+            window()->mapToGlobal(web->mapToScene(QPointF(at[0].toDouble(), at[1].toDouble())).toPoint());
+        xdo({u"mousemove"_s, u"--sync"_s, QString::number(finish.x()), QString::number(finish.y()),
+             u"click"_s, u"1"_s});
         QTRY_COMPARE_WITH_TIMEOUT(m_app->app().phase(), AppModel::Phase::SignedIn, 30000);
         QVERIFY(m_app->app().setupPath().isEmpty());
         QVERIFY(m_app->app().signInError().isEmpty());

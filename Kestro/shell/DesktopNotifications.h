@@ -1,0 +1,45 @@
+#pragma once
+
+#include <QCoroTask>
+#include <QDBusConnection>
+#include <QHash>
+#include <QObject>
+#include <QString>
+
+namespace Kestro {
+
+// Desktop notifications through the freedesktop notification server on the
+// session bus. A repeat of an item replaces its banner; a click on one (its
+// "default" action) is reported with the item's id and address. Where no
+// server answers, posts fail quietly: the bell and the badge still tell.
+class DesktopNotifications : public QObject {
+    Q_OBJECT
+public:
+    struct Post {
+        QString id; // the item's id
+        QString title;
+        QString body;
+        QString href; // an in-app path
+    };
+
+    explicit DesktopNotifications(QDBusConnection bus = QDBusConnection::sessionBus(),
+                                  QObject* parent = nullptr);
+
+    // Shows one notification; true when a server took it.
+    QCoro::Task<bool> post(Post post);
+
+signals:
+    void clicked(const QString& id, const QString& href);
+
+private slots:
+    void onActionInvoked(uint serverId, const QString& action);
+    void onClosed(uint serverId, uint reason);
+
+private:
+    QDBusConnection m_bus;
+    QHash<QString, uint> m_serverIds; // item id → the server's id for its banner
+    QHash<uint, Post> m_shown;        // the server's id → what it shows
+    bool m_toldMissing = false;
+};
+
+} // namespace Kestro
