@@ -57,19 +57,22 @@ Rectangle {
             onClicked: App.signIn()
             Keys.onReturnPressed: App.signIn()
         }
-        RowLayout {
+        // The hint reads on a line of its own; the two ways out sit under it.
+        Text {
             visible: App.signingIn && AuthSession.inBrowser
             Layout.fillWidth: true
+            textFormat: Text.PlainText
+            text: "Finish signing in in your browser; Kestro opens again by itself."
+            horizontalAlignment: Text.AlignHCenter
+            wrapMode: Text.WordWrap
+            font.family: Theme.sans
+            font.pixelSize: 13
+            color: Theme.muted
+        }
+        RowLayout {
+            visible: App.signingIn && AuthSession.inBrowser
+            Layout.alignment: Qt.AlignHCenter
             spacing: 8
-            Text {
-                Layout.fillWidth: true
-                textFormat: Text.PlainText
-                text: "Finish signing in in your browser; Kestro opens again by itself."
-                wrapMode: Text.WordWrap
-                font.family: Theme.sans
-                font.pixelSize: 13
-                color: Theme.muted
-            }
             PrimaryButton {
                 objectName: "signInHereButton"
                 quiet: true
