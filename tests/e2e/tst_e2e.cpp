@@ -9,7 +9,9 @@
 
 #include "shell/AppModel.h"
 #include "shell/Appearance.h"
+#include "shell/BellModel.h"
 #include "shell/KestroApp.h"
+#include "shell/LauncherBadge.h"
 #include "shell/Router.h"
 #include "shell/WebAuthSession.h"
 #include "shell/WebViews.h"
@@ -502,6 +504,12 @@ private slots:
         QVERIFY(popup && focused && (focused == popup || popup->isAncestorOf(focused)));
         QTest::qWait(500);
         shoot(u"bell"_s);
+        // The demo has unread activity: the count leads the window's title
+        // and is on the launcher.
+        QTRY_VERIFY(m_app->bell().unread() > 0);
+        const QString unread = QString::number(m_app->bell().unread());
+        QTRY_VERIFY2(window()->title().startsWith(u"("_s + unread + u") "_s), qPrintable(window()->title()));
+        QCOMPARE(m_app->badge().count(), m_app->bell().unread());
         QTest::keyClick(window(), Qt::Key_Escape);
         QTRY_VERIFY(!find(u"bellPopup"_s)->property("visible").toBool());
     }

@@ -13,8 +13,10 @@ ApplicationWindow {
     minimumWidth: 720
     minimumHeight: 480
     visible: true
+    // The unread count leads, as mail and chat windows show it, so the
+    // task bar shows it even where no dock reads the launcher's badge.
     title: App.phase === App.SignedIn && signedInFrame && signedInFrame.title
-           ? signedInFrame.title + (Bell.unread > 0 ? " (" + Bell.unread + ")" : "") + " · Kestro"
+           ? (Bell.unread > 0 ? "(" + Bell.unread + ") " : "") + signedInFrame.title + " · Kestro"
            : "Kestro"
     color: Theme.ground
     font.family: Theme.sans
