@@ -218,6 +218,9 @@ private slots:
         FakeDock dock;
         QVERIFY(m_other.connect(QString(), QString(), u"com.canonical.Unity.LauncherEntry"_s, u"Update"_s,
                                 &dock, SLOT(update(QString, QVariantMap))));
+        // The bus takes the match rule asynchronously: a round trip on the
+        // same connection makes sure it is in place before the first signal.
+        QVERIFY(m_other.interface()->isServiceRegistered(u"org.freedesktop.DBus"_s).value());
         LauncherBadge badge;
         badge.setCount(3);
         QTRY_COMPARE(dock.updates.size(), 1);
