@@ -41,8 +41,6 @@ WebViews::WebViews(QUrl origin, Auth& auth, AppModel& app, Appearance& appearanc
     m_refresher.setSingleShot(true);
     m_refresher.setInterval(0);
     connect(&m_refresher, &QTimer::timeout, this, &WebViews::writeSessionCookie);
-    m_release.setInterval(50);
-    connect(&m_release, &QTimer::timeout, this, &WebViews::releaseRetired);
     connect(&m_auth, &Auth::tokensChanged, &m_refresher, qOverload<>(&QTimer::start));
     connect(&m_app, &AppModel::phaseChanged, &m_refresher, qOverload<>(&QTimer::start));
     connect(&m_appearance, &Appearance::changed, this, &WebViews::applyTheme);
@@ -127,8 +125,12 @@ QUrl WebViews::addressOf(const QString& path) const
 void WebViews::attach(QQuickItem* view)
 {
     m_live.removeAll(nullptr);
-    if (view && !m_live.contains(view))
+    if (view && !m_live.contains(view)) {
         m_live.append(view);
+        // A signed-out session's profile goes with its last view; queued,
+        // so the view is wholly gone first.
+        connect(view, &QObject::destroyed, this, &WebViews::releaseRetired, Qt::QueuedConnection);
+    }
 }
 
 int WebViews::decide(const QUrl& url, bool mainFrame, bool linkClicked, bool newWindow) const
@@ -230,9 +232,7 @@ void WebViews::clearSession()
     // memory only.
     if (m_engine) {
         m_engine->clear();
-        // The signed-out window's views go as the event loop turns; the old
-        // profile is freed after the last.
-        m_release.start();
+        releaseRetired(); // at once when no view shows it, else after the last
     }
     if (!m_title.isEmpty()) {
         m_title.clear();
@@ -245,7 +245,6 @@ void WebViews::releaseRetired()
     m_live.removeAll(nullptr);
     if (!m_live.isEmpty())
         return;
-    m_release.stop();
     if (m_engine)
         m_engine->releaseRetired();
 }

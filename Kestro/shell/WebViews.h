@@ -109,7 +109,6 @@ private:
     QString m_relay;
     QString m_title;
     QTimer m_refresher;
-    QTimer m_release; // frees the signed-out session's profile once no view shows it
     WebSession m_session;
 };
 
