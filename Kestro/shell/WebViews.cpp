@@ -30,10 +30,8 @@ WebViews::WebViews(QUrl origin, Auth& auth, AppModel& app, Appearance& appearanc
     : QObject(parent), m_origin(std::move(origin)), m_auth(auth), m_app(app), m_appearance(appearance),
       m_bridge(WebScripts::bridge()),
       m_session(m_origin, m_auth, [this](const QNetworkCookie& cookie, const QUrl& at) {
-          if (m_engine) {
-              releaseRetired();
+          if (m_engine)
               m_engine->setCookie(cookie, at);
-          }
       })
 {
     // The session cookie follows the access token; a burst of changes (a
@@ -58,14 +56,8 @@ WebEngine* WebViews::engine()
     // Made on first use: starting the web engine costs a good part of a
     // second and much memory, and a signed-out window or a native page
     // does not need it.
-    if (m_engine) {
-        // A new view or cookie is for a new session: the last one's
-        // profile goes first, if its views are gone.
-        releaseRetired();
+    if (m_engine || m_engineFailed)
         return m_engine.get();
-    }
-    if (m_engineFailed)
-        return nullptr;
     WebEngine::Hooks hooks;
     hooks.userAgentSuffix = QString::fromLatin1(clientUserAgent());
     hooks.schemeAddress = [this](const QUrl& url) { emit schemeAddress(url); };
@@ -84,7 +76,7 @@ WebEngine* WebViews::engine()
         QTextStream(stderr) << error << '\n';
         return nullptr;
     }
-    writeSessionCookie();
+    // The session cookie is written as the profile is made (profileMade).
     return m_engine.get();
 }
 
