@@ -71,6 +71,7 @@ KestroApp::KestroApp(QObject* parent) : QObject(parent)
 {
     s_current = this;
     LogRedaction::install();
+    WebEngine::removeOldSiteData();
     loadBundledFonts();
     QQuickStyle::setStyle(QStringLiteral("Basic"));
     // Text fields do not blink on their own: a caret that blinks forever

@@ -4,6 +4,7 @@
 #include <QDir>
 #include <QLibrary>
 #include <QQuickWindow>
+#include <QStandardPaths>
 
 namespace Kestro {
 
@@ -14,6 +15,20 @@ void WebEngine::prepare()
     // later, the app has to.
     QCoreApplication::setAttribute(Qt::AA_ShareOpenGLContexts);
     QQuickWindow::setGraphicsApi(QSGRendererInterface::OpenGL);
+}
+
+void WebEngine::removeOldSiteData()
+{
+    // The engine's own layout for a profile named "Kestro": its storage
+    // under the app's data folder, its cache under the app's cache folder.
+    for (const auto location : {QStandardPaths::AppDataLocation, QStandardPaths::CacheLocation}) {
+        const QString base = QStandardPaths::writableLocation(location);
+        if (base.isEmpty())
+            continue;
+        QDir old(base + QStringLiteral("/QtWebEngine/Kestro"));
+        if (old.exists() && !old.removeRecursively())
+            qWarning("Kestro could not remove the old web site data in %s.", qPrintable(old.path()));
+    }
 }
 
 std::unique_ptr<WebEngine> WebEngine::load(Hooks hooks, QString* error)

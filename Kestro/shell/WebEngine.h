@@ -50,6 +50,10 @@ public:
     // Called before the application object: what the engine needs of the
     // window system when it is loaded later.
     static void prepare();
+    // Earlier versions kept the web profile on the disk, session cookie
+    // (and so the access token) included. Removes what they left, once per
+    // start; nothing of this version's lives there.
+    static void removeOldSiteData();
 };
 
 // The library's one entry point, looked up by this name.

@@ -5,7 +5,8 @@
 // config and state folders holds the token or the session cookie. The child also set six
 // hundred persistent cookies just before, enough to make a cookie database
 // on the disk write at once; none of them is there either, because the web
-// profile keeps its cookies in memory only.
+// profile keeps its cookies in memory only. What an earlier version left on
+// the disk (its web profile, the session cookie in it) is gone as well.
 
 #include "DevServiceProcess.h"
 
@@ -35,6 +36,15 @@ private slots:
         environment.insert(u"HOME"_s, data.path());
         for (const char* name : {"XDG_DATA_HOME", "XDG_CACHE_HOME", "XDG_CONFIG_HOME", "XDG_STATE_HOME"})
             environment.insert(QString::fromLatin1(name), data.filePath(QString::fromLatin1(name).toLower()));
+        // An earlier version's web profile and cache, with a session cookie.
+        const QStringList oldSiteData = {data.filePath(u"xdg_data_home/Kestro/Kestro/QtWebEngine/Kestro"_s),
+                                         data.filePath(u"xdg_cache_home/Kestro/Kestro/QtWebEngine/Kestro"_s)};
+        for (const QString& folder : oldSiteData) {
+            QVERIFY(QDir().mkpath(folder));
+            QFile cookies(folder + u"/Cookies"_s);
+            QVERIFY(cookies.open(QIODevice::WriteOnly));
+            cookies.write("kestro_app_token=an-old-session");
+        }
         QVERIFY(QDir(data.path()).mkpath(u"bin"_s));
         QFile opener(data.filePath(u"bin/xdg-open"_s));
         QVERIFY(opener.open(QIODevice::WriteOnly));
@@ -69,6 +79,8 @@ private slots:
                 holding << file.fileName();
         }
         QVERIFY2(holding.isEmpty(), qPrintable(holding.join(u", "_s)));
+        for (const QString& folder : oldSiteData)
+            QVERIFY2(!QDir(folder).exists(), qPrintable(folder));
     }
 };
 
