@@ -3,6 +3,8 @@
 #include <QObject>
 #include <QStringList>
 
+#include <optional>
+
 class QDBusVariant;
 
 namespace Kestro {
@@ -18,6 +20,11 @@ class Appearance : public QObject {
     Q_PROPERTY(QString lightShade READ lightShade WRITE setLightShade NOTIFY changed)
     Q_PROPERTY(bool systemDark READ systemDark NOTIFY changed)
     Q_PROPERTY(bool dark READ isDark NOTIFY changed)
+    // "system", "full" or "reduced"; `reduceMotion` is the effective answer.
+    Q_PROPERTY(QString motion READ motion WRITE setMotion NOTIFY changed)
+    Q_PROPERTY(bool systemReducedMotion READ systemReducedMotion NOTIFY changed)
+    Q_PROPERTY(bool reduceMotion READ reduceMotion NOTIFY changed)
+    Q_PROPERTY(QStringList motions READ motions CONSTANT)
     Q_PROPERTY(QStringList modes READ modes CONSTANT)
     Q_PROPERTY(QStringList darkShades READ darkShades CONSTANT)
     Q_PROPERTY(QStringList lightShades READ lightShades CONSTANT)
@@ -26,6 +33,7 @@ public:
     static const QStringList& modes();
     static const QStringList& darkShades();
     static const QStringList& lightShades();
+    static const QStringList& motions();
 
     // Reads the settings; with `followDesktop`, also asks the desktop portal
     // for its colour scheme and listens for changes.
@@ -36,11 +44,19 @@ public:
     QString lightShade() const { return m_lightShade; }
     bool systemDark() const { return m_systemDark; }
     bool isDark() const;
+    QString motion() const { return m_motion; }
+    bool systemReducedMotion() const;
+    bool reduceMotion() const;
 
     void setMode(const QString& mode);
     void setDarkShade(const QString& shade);
     void setLightShade(const QString& shade);
     void setSystemDark(bool dark);
+    void setMotion(const QString& motion);
+    // The desktop's answers, as its portal gives them (GNOME's and KDE's
+    // own settings count where the portal has no answer of its own).
+    void setDesktopMotion(std::optional<bool> reduced, std::optional<bool> gnomeAnimations,
+                          std::optional<double> kdeAnimationFactor);
 
 signals:
     void changed();
@@ -50,11 +66,16 @@ private slots:
 
 private:
     void readPortal();
+    void readSetting(const QString& group, const QString& key);
 
     QString m_mode;
     QString m_darkShade;
     QString m_lightShade;
+    QString m_motion;
     bool m_systemDark = false;
+    std::optional<bool> m_reducedMotion;
+    std::optional<bool> m_gnomeAnimations;
+    std::optional<double> m_kdeAnimationFactor;
 };
 
 } // namespace Kestro

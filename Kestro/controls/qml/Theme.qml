@@ -56,6 +56,13 @@ QtObject {
     readonly property color scrim: dark ? Qt.rgba(0, 0, 0, 0.55) : Qt.rgba(0, 0, 0, 0.28)
     readonly property color good: dark ? "#69db7c" : "#2f9e44"
     readonly property color busy: dark ? "#ffd43b" : "#e8a400"
+    // The sky behind Home and the sign-in card: the ground with a little
+    // blue in it; the light clouds' cores a cool grey under white rims.
+    // The dark clouds are the dark sky, lifted (the shader does that).
+    readonly property color lightGround: lightGrounds[lightShade] || "#ffffff"
+    readonly property color skyColor: dark ? Qt.tint(ground, Qt.rgba(0.35, 0.45, 0.85, 0.10))
+                                           : Qt.tint(lightGround, Qt.rgba(0.40, 0.62, 0.95, 0.30))
+    readonly property color cloudColor: Qt.tint(lightGround, Qt.rgba(0.78, 0.83, 0.91, 0.55))
     // A placeholder's bones, a shade off the ground.
     readonly property color bone: dark ? Qt.rgba(1, 1, 1, 0.07) : Qt.rgba(0, 0, 0, 0.06)
 }

@@ -7,6 +7,7 @@ import QtQuick.Layouts
 import Kestro.Controls
 import Kestro.AgentWork
 import Kestro.Pages
+import Kestro.Visuals
 
 // Home ("/activity"): a greeting, what waits for the user, the teammates at
 // work and the kest's day. Needs you ("/activity?view=you"): everything that
@@ -23,6 +24,12 @@ Item {
     ActivityModel {
         id: activity
         Component.onCompleted: activity.start()
+    }
+
+    // Home's sky; Needs you is a work list and keeps the plain ground.
+    Sky {
+        anchors.fill: parent
+        visible: !activity.needsYou
     }
 
     Bones {

@@ -128,6 +128,16 @@ Menu {
                 onObjectRemoved: (index, object) => darkShades.removeItem(object)
             }
         }
+        Line {}
+        Menu {
+            title: "Motion"
+            delegate: MenuRow {}
+            background: Panel {}
+            topPadding: 6; bottomPadding: 6; leftPadding: 6; rightPadding: 6
+            MenuRow { text: "Match the desktop"; checked: Appearance.motion === "system"; onTriggered: Appearance.motion = "system" }
+            MenuRow { text: "Full motion"; checked: Appearance.motion === "full"; onTriggered: Appearance.motion = "full" }
+            MenuRow { text: "Reduce motion"; checked: Appearance.motion === "reduced"; onTriggered: Appearance.motion = "reduced" }
+        }
     }
     Line {}
     MenuRow { objectName: "signOutItem"; text: "Sign Out"; glyph: "log-out"; onTriggered: App.signOut() }

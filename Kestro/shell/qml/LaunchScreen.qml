@@ -1,11 +1,15 @@
 import QtQuick
 import QtQuick.Controls.Basic
 import Kestro.Controls
+import Kestro.Visuals
 
 // While the stored sign-in is read and the workspace loads.
 Rectangle {
     id: screen
     color: Theme.ground
+    Sky {
+        anchors.fill: parent
+    }
     Column {
         anchors.centerIn: parent
         spacing: 16

@@ -25,6 +25,7 @@ ApplicationWindow {
     Binding { target: Theme; property: "dark"; value: Appearance.dark }
     Binding { target: Theme; property: "darkShade"; value: Appearance.darkShade }
     Binding { target: Theme; property: "lightShade"; value: Appearance.lightShade }
+    Binding { target: Theme; property: "reduceMotion"; value: Appearance.reduceMotion }
 
     readonly property bool signedIn: App.phase === App.SignedIn
     // The frame the loader below holds while signed in, by its own type.

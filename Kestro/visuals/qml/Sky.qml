@@ -1,0 +1,15 @@
+import QtQuick
+import Kestro.Controls
+import Kestro.Visuals
+
+// The sky behind a page: the app's theme and the user's wish for less
+// motion, passed down to its drawing. It stops while the window is
+// minimised or hidden.
+SkySurface {
+    dark: Theme.dark
+    sky: Theme.skyColor
+    cloud: Theme.cloudColor
+    still: Theme.reduceMotion || SkyPolicy.still
+    framesPerSecond: SkyPolicy.framesPerSecond
+    stopped: Window.visibility === Window.Minimized || Window.visibility === Window.Hidden
+}
