@@ -2,6 +2,7 @@
 // read on physical keys whatever the layout, and the teammates' faces,
 // the same on every run and different from one teammate to the next.
 
+#include "shell/Appearance.h"
 #include "shell/PlaceChords.h"
 #include "shell/ReturnActivates.h"
 #include "shell/RobotFace.h"
@@ -13,6 +14,7 @@
 #include <QQuickView>
 #include <QSet>
 #include <QSignalSpy>
+#include <QStandardPaths>
 #include <QTemporaryFile>
 #include <QTest>
 
@@ -23,6 +25,38 @@ class ShellGuiTest : public QObject {
     Q_OBJECT
 
 private slots:
+    void motionFollowsTheUserThenTheDesktop()
+    {
+        QStandardPaths::setTestModeEnabled(true);
+        Appearance appearance(false);
+        appearance.setMotion(u"system"_s);
+        QVERIFY(!appearance.reduceMotion());
+        // GNOME's animations off, KDE's factor at 0: each means reduced
+        // where nothing more specific answers.
+        appearance.setDesktopMotion(std::nullopt, false, std::nullopt);
+        QVERIFY(appearance.reduceMotion());
+        appearance.setDesktopMotion(std::nullopt, std::nullopt, 0.0);
+        QVERIFY(appearance.reduceMotion());
+        appearance.setDesktopMotion(std::nullopt, std::nullopt, 0.5);
+        QVERIFY(!appearance.reduceMotion());
+        // The portal's own answer comes first.
+        appearance.setDesktopMotion(false, false, 0.0);
+        QVERIFY(!appearance.reduceMotion());
+        appearance.setDesktopMotion(true, true, 1.0);
+        QVERIFY(appearance.reduceMotion());
+        // The user's choice over the desktop's, kept for the next start.
+        QSignalSpy changed(&appearance, &Appearance::changed);
+        appearance.setMotion(u"full"_s);
+        QVERIFY(!appearance.reduceMotion());
+        QCOMPARE(changed.count(), 1);
+        QCOMPARE(Appearance(false).motion(), u"full"_s);
+        appearance.setMotion(u"reduced"_s);
+        appearance.setDesktopMotion(false, std::nullopt, std::nullopt);
+        QVERIFY(appearance.reduceMotion());
+        appearance.setMotion(u"sideways"_s);
+        QCOMPARE(appearance.motion(), u"reduced"_s);
+    }
+
     void chordsReadThePhysicalKey_data()
     {
         QTest::addColumn<quint32>("scanCode");
