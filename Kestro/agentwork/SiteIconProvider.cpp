@@ -1,5 +1,6 @@
 #include "SiteIconProvider.h"
 
+#include "analytics/AnalyticsFormat.h"
 #include "richtext/ServiceImageResponse.h"
 #include "service/Client.h"
 
@@ -45,7 +46,7 @@ private:
     void start() override
     {
         IconCache& icons = cache();
-        if (!SiteIconProvider::isHost(m_host))
+        if (SiteIconProvider::pathOf(m_host).isEmpty())
             return settle(QImage());
         if (const auto known = icons.known.constFind(m_host); known != icons.known.constEnd())
             return settle(*known);
@@ -59,7 +60,8 @@ private:
     {
         QImage image;
         try {
-            const QByteArray bytes = co_await Client::shared().download(QStringLiteral("/api/icons/") + host);
+            const QString path = SiteIconProvider::pathOf(host);
+            const QByteArray bytes = co_await Client::shared().download(path);
             image = QImage::fromData(bytes);
         } catch (const std::exception&) {
             // Kept as a failure: the placeholder shows for the rest of the run.
@@ -80,6 +82,14 @@ private:
 QQuickImageResponse* SiteIconProvider::requestImageResponse(const QString& id, const QSize& requestedSize)
 {
     return new SiteIconResponse(id.toLower(), requestedSize);
+}
+
+QString SiteIconProvider::pathOf(const QString& id)
+{
+    static const QRegularExpression country(QStringLiteral("^flag:[a-z]{2}$"));
+    if (country.match(id).hasMatch())
+        return QLatin1Char('/') + AnalyticsFormat::flagPath(id.mid(5).toUpper());
+    return isHost(id) ? QLatin1Char('/') + AnalyticsFormat::iconPath(id) : QString();
 }
 
 bool SiteIconProvider::isHost(const QString& host)

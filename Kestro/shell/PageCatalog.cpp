@@ -26,6 +26,8 @@ const Row table[] = {
     {"kest/*/runs/*", Kind::Native, "RunPage.qml", "Run"},
     {"kest/*/chat", Kind::Native, "DirectChatPage.qml", "Chat", nullptr, 3},
     {"kest/*/chat/*", Kind::Native, "DirectChatPage.qml", "Chat", nullptr, 3},
+    {"analytics", Kind::Native, "AnalyticsPage.qml", "Analytics"},
+    {"analytics/settings", Kind::Native, "AnalyticsSettingsPage.qml", "Site settings"},
     // The product's other families are the service's own pages for now.
     {"analytics/**", Kind::Web, nullptr, "Analytics"},
     {"brain/**", Kind::Web, nullptr, "Brain"},

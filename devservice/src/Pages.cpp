@@ -1,5 +1,9 @@
 #include "Pages.h"
 
+#include <algorithm>
+#include <cmath>
+#include <cstdio>
+
 #include "Html.h"
 #include "OAuth.h"
 
@@ -71,6 +75,20 @@ std::string appPage(const std::string& path, const json& user)
     return page(title, body);
 }
 
+// "#rrggbb" for a hue, saturation and lightness (the icons' renderers read
+// no hsl() colours).
+std::string hslHex(double hue, double saturation, double lightness)
+{
+    auto channel = [&](double n) {
+        const double k = std::fmod(n + hue / 30.0, 12.0);
+        const double a = saturation * std::min(lightness, 1.0 - lightness);
+        return int(std::lround(255 * (lightness - a * std::max(-1.0, std::min({k - 3.0, 9.0 - k, 1.0})))));
+    };
+    char hex[8];
+    std::snprintf(hex, sizeof hex, "#%02x%02x%02x", channel(0), channel(8), channel(4));
+    return hex;
+}
+
 // A small round badge with the host's initial in a colour of its own.
 std::string iconSvg(const std::string& name)
 {
@@ -78,9 +96,9 @@ std::string iconSvg(const std::string& name)
     const int hue = int(h % 360);
     const char initial = name.empty() ? '?' : char(std::toupper(static_cast<unsigned char>(name[0])));
     return "<svg xmlns=\"http://www.w3.org/2000/svg\" width=\"32\" height=\"32\" viewBox=\"0 0 32 32\">"
-           "<circle cx=\"16\" cy=\"16\" r=\"16\" fill=\"hsl(" +
-           std::to_string(hue) +
-           ",60%,48%)\"/>"
+           "<circle cx=\"16\" cy=\"16\" r=\"16\" fill=\"" +
+           hslHex(hue, 0.6, 0.48) +
+           "\"/>"
            "<text x=\"16\" y=\"21\" font-family=\"sans-serif\" font-size=\"15\" font-weight=\"600\" "
            "fill=\"#fff\""
            " text-anchor=\"middle\">" +
@@ -88,14 +106,15 @@ std::string iconSvg(const std::string& name)
 }
 
 // Three stripes whose colours come from the country code.
+// A made-up tricolour per country: the same code, the same flag.
 std::string flagSvg(const std::string& code)
 {
     const unsigned h = stableHash(code);
     std::string svg =
         "<svg xmlns=\"http://www.w3.org/2000/svg\" width=\"24\" height=\"16\" viewBox=\"0 0 24 16\">";
     for (int i = 0; i < 3; ++i)
-        svg += "<rect x=\"" + std::to_string(i * 8) + "\" y=\"0\" width=\"8\" height=\"16\" fill=\"hsl(" +
-               std::to_string((h >> (i * 8)) % 360) + ",65%," + std::to_string(35 + i * 15) + "%)\"/>";
+        svg += "<rect x=\"" + std::to_string(i * 8) + "\" y=\"0\" width=\"8\" height=\"16\" fill=\"" +
+               hslHex((h >> (i * 8)) % 360, 0.65, (35 + i * 15) / 100.0) + "\"/>";
     return svg + "</svg>";
 }
 

@@ -342,6 +342,26 @@ void seed(Service& service)
                    {"spikeAlerts", true},
                    {"dropAlerts", false},
                    {"mentions", {{"enabled", false}}}});
+        store.put("site", "s2", "w1",
+                  {{"siteId", "s2"},
+                   {"domain", "docs.northwind.example"},
+                   {"allowedHostnames", json::array()},
+                   {"cookieless", true},
+                   {"attackMode", false},
+                   {"exclude", {{"paths", json::array()}}},
+                   {"kpi", "visitors"},
+                   {"color", "#12b886"},
+                   {"script", "<script src=\"/js/a.js\"></script>"},
+                   {"replays", false},
+                   {"replaySample", 0.2},
+                   {"timezone", "Europe/Berlin"},
+                   {"hasEvents", false},
+                   {"weeklyReport", false},
+                   {"monthlyReport", false},
+                   {"reportEmails", {"maya@northwind.example"}},
+                   {"spikeAlerts", true},
+                   {"dropAlerts", false},
+                   {"mentions", {{"enabled", false}}}});
 
         // Skills ("/" menu) and documents ("#" menu).
         const char* skills[][3] = {

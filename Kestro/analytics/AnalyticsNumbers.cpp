@@ -1,0 +1,72 @@
+#include "AnalyticsNumbers.h"
+
+#include <QLocale>
+
+#include <cmath>
+
+namespace Kestro::AnalyticsNumbers {
+
+namespace {
+
+// One decimal, dropped when it is 0: "12k", "12.3k".
+QString scaled(double value, double unit, QChar suffix)
+{
+    const double tenths = std::round(value / unit * 10) / 10;
+    const bool whole = std::fmod(tenths, 1.0) == 0.0;
+    return QString::number(tenths, 'f', whole ? 0 : 1) + suffix;
+}
+
+} // namespace
+
+QString count(double value)
+{
+    if (!std::isfinite(value))
+        return QStringLiteral("0");
+    const double magnitude = std::abs(value);
+    if (magnitude >= 999'950)
+        return scaled(value, 1e6, QLatin1Char('M'));
+    if (magnitude >= 10'000)
+        return scaled(value, 1e3, QLatin1Char('k'));
+    // Thousands apart with a comma, as the service's own pages write them.
+    QLocale english(QLocale::English, QLocale::UnitedStates);
+    return english.toString(qint64(std::llround(value)));
+}
+
+QString duration(double seconds)
+{
+    if (!std::isfinite(seconds) || seconds < 0)
+        seconds = 0;
+    const qint64 total = std::llround(seconds);
+    if (total < 60)
+        return QStringLiteral("%1 s").arg(total);
+    if (total < 3600) {
+        const qint64 s = total % 60;
+        return s ? QStringLiteral("%1 min %2 s").arg(total / 60).arg(s) : QStringLiteral("%1 min").arg(total / 60);
+    }
+    const qint64 minutes = (total % 3600) / 60;
+    return minutes ? QStringLiteral("%1 h %2 min").arg(total / 3600).arg(minutes)
+                   : QStringLiteral("%1 h").arg(total / 3600);
+}
+
+QString percent(double ratio)
+{
+    if (!std::isfinite(ratio) || ratio <= 0)
+        return QStringLiteral("0%");
+    if (ratio < 0.005)
+        return QStringLiteral("<1%");
+    return QStringLiteral("%1%").arg(std::lround(ratio * 100));
+}
+
+Change change(double now, double before)
+{
+    if (!std::isfinite(now) || !std::isfinite(before) || before <= 0)
+        return {};
+    const long points = std::lround((now - before) / before * 100);
+    if (points == 0)
+        return {QStringLiteral("\u00b10%"), 0};
+    if (points > 0)
+        return {QStringLiteral("+%1%").arg(points), 1};
+    return {QStringLiteral("\u2212%1%").arg(-points), -1};
+}
+
+} // namespace Kestro::AnalyticsNumbers
