@@ -41,7 +41,8 @@ QString duration(double seconds)
         return QStringLiteral("%1 s").arg(total);
     if (total < 3600) {
         const qint64 s = total % 60;
-        return s ? QStringLiteral("%1 min %2 s").arg(total / 60).arg(s) : QStringLiteral("%1 min").arg(total / 60);
+        return s ? QStringLiteral("%1 min %2 s").arg(total / 60).arg(s)
+                 : QStringLiteral("%1 min").arg(total / 60);
     }
     const qint64 minutes = (total % 3600) / 60;
     return minutes ? QStringLiteral("%1 h %2 min").arg(total / 3600).arg(minutes)

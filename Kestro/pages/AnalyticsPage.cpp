@@ -94,10 +94,12 @@ KeyedList<BreakdownRow>* breakdownList(QObject* parent)
               const auto source = sourceOf(r);
               return QVariant(source ? kindWord(source->kind) : QString());
           }},
-         {"icon", [](const BreakdownRow& r) { return QVariant(AnalyticsPage::iconOf(r.dimension, r.of.value)); }},
+         {"icon",
+          [](const BreakdownRow& r) { return QVariant(AnalyticsPage::iconOf(r.dimension, r.of.value)); }},
          {"visitors", [](const BreakdownRow& r) { return QVariant(AnalyticsNumbers::count(r.of.visitors)); }},
          {"share", [](const BreakdownRow& r) { return QVariant(std::clamp(r.of.share, 0.0, 1.0)); }},
-         {"shareText", [](const BreakdownRow& r) { return QVariant(AnalyticsNumbers::percent(r.of.share)); }}},
+         {"shareText",
+          [](const BreakdownRow& r) { return QVariant(AnalyticsNumbers::percent(r.of.share)); }}},
         parent);
 }
 
@@ -118,7 +120,8 @@ QString pointLabel(const QString& at, bool hourly)
 
 } // namespace
 
-AnalyticsRange AnalyticsRange::fromQuery(const QString& range, const QString& from, const QString& to, QDate today)
+AnalyticsRange AnalyticsRange::fromQuery(const QString& range, const QString& from, const QString& to,
+                                         QDate today)
 {
     AnalyticsRange r;
     r.to = today;
@@ -189,10 +192,11 @@ const QStringList& AnalyticsPage::dimensions()
 
 AnalyticsPage::AnalyticsPage(QObject* parent, Timers& timers)
     : PageModel(&AnalyticsPage::fetch, parent, timers),
-      m_sites(new KeyedList<Model::SiteView>([](const Model::SiteView& s) { return s.siteId; },
-                                             {{"domain", [](const Model::SiteView& s) { return QVariant(s.domain); }},
-                                              {"color", [](const Model::SiteView& s) { return QVariant(s.color); }}},
-                                             this)),
+      m_sites(new KeyedList<Model::SiteView>(
+          [](const Model::SiteView& s) { return s.siteId; },
+          {{"domain", [](const Model::SiteView& s) { return QVariant(s.domain); }},
+           {"color", [](const Model::SiteView& s) { return QVariant(s.color); }}},
+          this)),
       m_headline(new KeyedList<HeadlineTile>(
           [](const HeadlineTile& t) { return t.key; },
           {{"label", [](const HeadlineTile& t) { return QVariant(t.label); }},
@@ -259,11 +263,14 @@ QList<HeadlineTile> AnalyticsPage::headlineOf(const DashboardResultTotals& now,
                             moved.text,         moved.direction,      upIsGood};
     };
     return {
-        tile("visitors", "Visitors", count(now.visitors), [](const DashboardResultTotals& t) { return t.visitors; }),
+        tile("visitors", "Visitors", count(now.visitors),
+             [](const DashboardResultTotals& t) { return t.visitors; }),
         tile("visits", "Visits", count(now.visits), [](const DashboardResultTotals& t) { return t.visits; }),
-        tile("views", "Views", count(now.pageviews), [](const DashboardResultTotals& t) { return t.pageviews; }),
-        tile("bounce", "Bounce rate", percent(now.bounceRate),
-             [](const DashboardResultTotals& t) { return t.bounceRate; }, false),
+        tile("views", "Views", count(now.pageviews),
+             [](const DashboardResultTotals& t) { return t.pageviews; }),
+        tile(
+            "bounce", "Bounce rate", percent(now.bounceRate),
+            [](const DashboardResultTotals& t) { return t.bounceRate; }, false),
         tile("duration", "Visit duration", duration(now.duration),
              [](const DashboardResultTotals& t) { return t.duration; }),
     };
@@ -326,9 +333,11 @@ void AnalyticsPage::apply(const QVariant& value)
     m_chartSummary.clear();
     if (answer.now) {
         const DashboardResult& now = *answer.now;
-        m_headline->apply(headlineOf(now.totals, answer.before ? std::optional(answer.before->totals) : std::nullopt));
+        m_headline->apply(
+            headlineOf(now.totals, answer.before ? std::optional(answer.before->totals) : std::nullopt));
         if (now.live > 0)
-            m_live = now.live == 1 ? QStringLiteral("1 visitor now") : QStringLiteral("%1 visitors now").arg(now.live);
+            m_live = now.live == 1 ? QStringLiteral("1 visitor now")
+                                   : QStringLiteral("%1 visitors now").arg(now.live);
 
         const bool hourly = m_range.key == QLatin1String("today");
         double peak = 0;
@@ -347,9 +356,10 @@ void AnalyticsPage::apply(const QVariant& value)
             m_chartPeak = AnalyticsNumbers::count(peak);
             m_chartStart = pointLabel(now.series.first().at, hourly);
             m_chartEnd = pointLabel(now.series.last().at, hourly);
-            m_chartSummary = QStringLiteral("Visitors %1, from %2 to %3. The most, %4, at %5.")
-                                 .arg(hourly ? QStringLiteral("by the hour") : QStringLiteral("by the day"),
-                                      m_chartStart, m_chartEnd, m_chartPeak, pointLabel(now.series[peakAt].at, hourly));
+            m_chartSummary =
+                QStringLiteral("Visitors %1, from %2 to %3. The most, %4, at %5.")
+                    .arg(hourly ? QStringLiteral("by the hour") : QStringLiteral("by the day"), m_chartStart,
+                         m_chartEnd, m_chartPeak, pointLabel(now.series[peakAt].at, hourly));
         }
     } else {
         m_headline->apply({});
@@ -401,7 +411,8 @@ QString AnalyticsPage::chooseDays(const QString& from, const QString& to)
     if (!first.isValid() || !last.isValid())
         return QStringLiteral("Write both days as year, month and day, like 2026-11-02.");
     if (first > last)
-        return QStringLiteral("The first day comes after the last. Choose a first day on or before the last.");
+        return QStringLiteral(
+            "The first day comes after the last. Choose a first day on or before the last.");
     if (last > today())
         return QStringLiteral("The last day is still to come. Choose today or a day before it.");
     if (first.daysTo(last) >= 400)

@@ -21,7 +21,8 @@ struct AnalyticsRange {
 
     // From the page's address ("?range=30d", "?range=custom&from=…&to=…");
     // anything else is the last 7 days.
-    static AnalyticsRange fromQuery(const QString& range, const QString& from, const QString& to, QDate today);
+    static AnalyticsRange fromQuery(const QString& range, const QString& from, const QString& to,
+                                    QDate today);
     // How the service is asked for it.
     JSONValue toJson() const;
     AnalyticsRange previous() const;
@@ -130,8 +131,9 @@ public:
     Q_INVOKABLE QString chooseDays(const QString& from, const QString& to);
 
     // The headline tiles for two totals.
-    static QList<HeadlineTile> headlineOf(const Calls::analytics::DashboardResultTotals& now,
-                                          const std::optional<Calls::analytics::DashboardResultTotals>& before);
+    static QList<HeadlineTile>
+    headlineOf(const Calls::analytics::DashboardResultTotals& now,
+               const std::optional<Calls::analytics::DashboardResultTotals>& before);
     // The image a row shows beside its label: a source's or browser's
     // icon, a country's flag; empty for none.
     static QString iconOf(const QString& dimension, const QString& value);

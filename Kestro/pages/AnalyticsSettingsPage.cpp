@@ -87,7 +87,8 @@ QString AnalyticsSettingsPage::addHost(const QString& typed)
     // Shown at once; the service's answer settles it.
     m_result.site.allowedHostnames = names;
     emit answered();
-    save(siteId(), JSONValue(JSONValue::Object{{QStringLiteral("allowedHostnames"), JSONValue(std::move(list))}}));
+    save(siteId(),
+         JSONValue(JSONValue::Object{{QStringLiteral("allowedHostnames"), JSONValue(std::move(list))}}));
     return {};
 }
 
@@ -101,7 +102,8 @@ void AnalyticsSettingsPage::removeHost(const QString& name)
         list.emplace_back(kept);
     m_result.site.allowedHostnames = names;
     emit answered();
-    save(siteId(), JSONValue(JSONValue::Object{{QStringLiteral("allowedHostnames"), JSONValue(std::move(list))}}));
+    save(siteId(),
+         JSONValue(JSONValue::Object{{QStringLiteral("allowedHostnames"), JSONValue(std::move(list))}}));
 }
 
 void AnalyticsSettingsPage::setFlag(const QString& name, bool on)

@@ -76,17 +76,25 @@ const Share pages[] = {
     {"/legal/privacy", 0.6},
 };
 const Share countries[] = {
-    {"DE", 22, "Germany"},    {"US", 21, "United States"}, {"GB", 11, "United Kingdom"},
-    {"FR", 7, "France"},      {"NL", 6, "Netherlands"},    {"SE", 4.5, "Sweden"},
-    {"CH", 4, "Switzerland"}, {"AT", 3.5, "Austria"},      {"ES", 3, "Spain"},
-    {"IT", 2.8, "Italy"},     {"CA", 2.5, "Canada"},       {"IN", 2.2, "India"},
+    {"DE", 22, "Germany"},
+    {"US", 21, "United States"},
+    {"GB", 11, "United Kingdom"},
+    {"FR", 7, "France"},
+    {"NL", 6, "Netherlands"},
+    {"SE", 4.5, "Sweden"},
+    {"CH", 4, "Switzerland"},
+    {"AT", 3.5, "Austria"},
+    {"ES", 3, "Spain"},
+    {"IT", 2.8, "Italy"},
+    {"CA", 2.5, "Canada"},
+    {"IN", 2.2, "India"},
     {"", 0.8},
 };
 const Share devices[] = {{"Desktop", 58}, {"Mobile", 37}, {"Tablet", 5}};
-const Share browsers[] = {{"Chrome", 48},          {"Safari", 24}, {"Firefox", 9}, {"Edge", 8},
-                          {"Samsung Internet", 3}, {"Opera", 2},   {"Brave", 2},   {"LinkedIn", 1},
-                          {"", 0.5}};
-const Share systems[] = {{"Windows", 34}, {"Mac OS", 26}, {"iOS", 19}, {"Android", 15},
+const Share browsers[] = {{"Chrome", 48}, {"Safari", 24},          {"Firefox", 9},
+                          {"Edge", 8},    {"Samsung Internet", 3}, {"Opera", 2},
+                          {"Brave", 2},   {"LinkedIn", 1},         {"", 0.5}};
+const Share systems[] = {{"Windows", 34}, {"Mac OS", 26},     {"iOS", 19}, {"Android", 15},
                          {"Linux", 4},    {"Chrome OS", 1.2}, {"", 0.4}};
 const Share exits[] = {
     {"https://github.com/northwind-studio", 30},

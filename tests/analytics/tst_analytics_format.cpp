@@ -2,6 +2,7 @@
 // the labels of raw breakdown values, and the typed site-domain check.
 
 #include "analytics/AnalyticsFormat.h"
+#include "analytics/AnalyticsNumbers.h"
 
 #include <QTest>
 
@@ -135,6 +136,31 @@ private slots:
         QFETCH(QString, name);
         QFETCH(bool, valid);
         QCOMPARE(AnalyticsFormat::isValidHostName(name), valid);
+    }
+
+    void writesFigures()
+    {
+        using namespace Kestro::AnalyticsNumbers;
+        QCOMPARE(count(987), u"987"_s);
+        QCOMPARE(count(1234.4), u"1,234"_s);
+        QCOMPARE(count(9999), u"9,999"_s);
+        QCOMPARE(count(12345), u"12.3k"_s);
+        QCOMPARE(count(120000), u"120k"_s);
+        QCOMPARE(count(999999), u"1M"_s); // not "1000k"
+        QCOMPARE(count(1250000), u"1.3M"_s);
+        QCOMPARE(duration(48.4), u"48 s"_s);
+        QCOMPARE(duration(60), u"1 min"_s);
+        QCOMPARE(duration(95), u"1 min 35 s"_s);
+        QCOMPARE(duration(3720), u"1 h 2 min"_s);
+        QCOMPARE(duration(-3), u"0 s"_s);
+        QCOMPARE(percent(0.424), u"42%"_s);
+        QCOMPARE(percent(0.003), u"<1%"_s);
+        QCOMPARE(percent(0), u"0%"_s);
+        QCOMPARE(change(112, 100).text, u"+12%"_s);
+        QCOMPARE(change(92, 100).text, u"\u22128%"_s);
+        QCOMPARE(change(92, 100).direction, -1);
+        QCOMPARE(change(1002, 1000).text, u"\u00b10%"_s);
+        QCOMPARE(change(5, 0).text, QString()); // nothing before to compare with
     }
 };
 

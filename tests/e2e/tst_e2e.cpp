@@ -294,12 +294,38 @@ private slots:
         QTRY_COMPARE(route(), u"/analytics"_s);
         QTRY_VERIFY(!find(u"palette"_s)->property("visible").toBool());
         QTRY_COMPARE_WITH_TIMEOUT(text(u"pageTitle"_s), u"Analytics"_s, 20000);
+        // The native page: the demo site's figures, and Google's row with
+        // the icon the service serves for it.
+        QTRY_VERIFY_WITH_TIMEOUT(showing(u"analyticsScroll"_s), 10000);
+        QQuickItem* sources = item(u"sources"_s);
+        QVERIFY(sources);
+        auto googleIcon = [&]() -> QQuickItem* {
+            for (QQuickItem* it : drawnInside(sources))
+                if (it->property("source").toUrl() == QUrl(u"image://site/google.com"_s))
+                    return it;
+            return nullptr;
+        };
+        QTRY_VERIFY(googleIcon());
+        QTRY_COMPARE_WITH_TIMEOUT(googleIcon()->property("status").toInt(), 1 /* Image.Ready */, 10000);
+        // The range through the X server: the page moves to 30 days.
+        QQuickItem* month = nullptr;
+        for (QQuickItem* it : drawnInside(item(u"analyticsPage"_s)))
+            if (it->objectName() == u"range-30d"_s && it->isVisible())
+                month = it;
+        QVERIFY(month);
+        xclick(month);
+        QTRY_COMPARE(route(), u"/analytics?range=30d&site=s1"_s);
+        QTRY_VERIFY_WITH_TIMEOUT(showing(u"analyticsScroll"_s), 10000);
         shoot(u"analytics"_s);
     }
 
     void followsALinkInsideAServicePage()
     {
         // A click on an in-site link is routed by the app, not the view.
+        m_app->router().open(u"/tests"_s);
+        QTRY_COMPARE_WITH_TIMEOUT(text(u"pageTitle"_s), u"Tests"_s, 20000);
+        // The page's own title comes over the bridge once it has loaded.
+        QTRY_COMPARE_WITH_TIMEOUT(m_app->webViews().title(), u"Tests"_s, 20000);
         QQuickItem* web = webEngineView();
         QVERIFY(web);
         QVERIFY(QMetaObject::invokeMethod(
@@ -338,11 +364,11 @@ private slots:
     void goesBackAndForward()
     {
         QTest::keyClick(window(), Qt::Key_BracketLeft, Qt::ControlModifier);
-        QTRY_COMPARE(route(), u"/analytics"_s);
+        QTRY_COMPARE(route(), u"/tests"_s);
         xclick(u"backButton"_s);
-        QTRY_COMPARE(route(), u"/activity"_s);
+        QTRY_COMPARE(route(), u"/analytics?range=30d&site=s1"_s);
         QTest::keyClick(window(), Qt::Key_BracketRight, Qt::ControlModifier);
-        QTRY_COMPARE(route(), u"/analytics"_s);
+        QTRY_COMPARE(route(), u"/tests"_s);
         click(u"forwardButton"_s);
         QTRY_COMPARE(route(), u"/crm/customers"_s);
         click(u"forwardButton"_s); // to the page the service page opened

@@ -50,7 +50,7 @@ private slots:
         QCOMPARE(you.identity, home.identity);
         QVERIFY(PageCatalog::pageOf(Route::parse(u"/activity/older"_s)).kind == PageCatalog::Kind::Missing);
         QVERIFY(PageCatalog::pageOf(Route::parse(u"/tasks/NOR-1"_s)).identity ==
-                PageCatalog::pageOf(Route::parse(u"/analytics"_s)).identity); // the one web view
+                PageCatalog::pageOf(Route::parse(u"/analytics/funnels"_s)).identity); // the one web view
     }
 
     void showsTheDayAndOpensARow()
