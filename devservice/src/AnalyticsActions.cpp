@@ -96,6 +96,10 @@ const Share browsers[] = {{"Chrome", 48}, {"Safari", 24},          {"Firefox", 9
                           {"Brave", 2},   {"LinkedIn", 1},         {"", 0.5}};
 const Share systems[] = {{"Windows", 34}, {"Mac OS", 26},     {"iOS", 19}, {"Android", 15},
                          {"Linux", 4},    {"Chrome OS", 1.2}, {"", 0.4}};
+const Share languages[] = {{"en-US", 34}, {"de-DE", 24}, {"en-GB", 12}, {"fr-FR", 8},
+                           {"nl-NL", 6},  {"sv-SE", 4},  {"es-ES", 3}};
+const Share screens[] = {{"1920x1080", 28}, {"1440x900", 16}, {"390x844", 15}, {"2560x1440", 12},
+                         {"1366x768", 9},   {"414x896", 8},   {"820x1180", 4}};
 const Share exits[] = {
     {"https://github.com/northwind-studio", 30},
     {"https://x.com/northwindstudio", 18},
@@ -121,6 +125,10 @@ std::pair<const Share*, size_t> sharesOf(const std::string& kind)
         return of(browsers);
     if (kind == "os")
         return of(systems);
+    if (kind == "language" || kind == "languages")
+        return of(languages);
+    if (kind == "screen" || kind == "screens")
+        return of(screens);
     if (kind == "exit" || kind == "exit_links")
         return of(exits);
     return {nullptr, 0};

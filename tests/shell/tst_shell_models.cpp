@@ -209,7 +209,8 @@ private slots:
     void routesFindTheirPage()
     {
         QCOMPARE(PageCatalog::kindOf(Route::parse(u"/analytics/settings?tab=crawlers"_s)),
-                 PageCatalog::Kind::Web);
+                 PageCatalog::Kind::Native);
+        QCOMPARE(PageCatalog::kindOf(Route::parse(u"/analytics/goals/signup"_s)), PageCatalog::Kind::Web);
         QCOMPARE(PageCatalog::kindOf(Route::parse(u"/kest/nova/chat"_s)), PageCatalog::Kind::Native);
         QCOMPARE(PageCatalog::kindOf(Route::parse(u"/kest/nova/settings"_s)), PageCatalog::Kind::Web);
         QCOMPARE(PageCatalog::kindOf(Route::parse(u"/nowhere"_s)), PageCatalog::Kind::Missing);
