@@ -299,6 +299,13 @@ private slots:
         checkScreen(u"Messages"_s);
     }
 
+    // The site picker, the ranges, the figures and the breakdowns.
+    void analyticsSpeaksEveryControl()
+    {
+        pressPlace(u"Analytics"_s);
+        checkScreen(u"Last 7 days"_s);
+    }
+
     void cleanupTestCase()
     {
         m_app.kill();
