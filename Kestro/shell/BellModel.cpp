@@ -46,13 +46,13 @@ QCoro::Task<> BellModel::runCount()
     const quint64 generation = m_generation;
     try {
         const auto result = co_await Calls::app::notificationCountAction();
-        if (self && generation == m_generation)
+        if (self && generation == m_generation) {
             setUnread(int(result.unread));
+            emit polled();
+        }
     } catch (const std::exception&) {
         // A missed poll changes nothing; the next one tries again.
     }
-    if (self && generation == m_generation)
-        emit polled();
 }
 
 void BellModel::load()

@@ -46,7 +46,7 @@ signals:
     void loadingChanged();
     void errorChanged();
     void activeChanged();
-    // A poll of the count ended, answered or not: the desktop's turn.
+    // A poll of the count was answered: the desktop's turn.
     void polled();
 
 private:

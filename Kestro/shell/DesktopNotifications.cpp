@@ -58,6 +58,19 @@ QCoro::Task<bool> DesktopNotifications::post(Post post)
     co_return true;
 }
 
+void DesktopNotifications::closeAll()
+{
+    for (const uint serverId : m_shown.keys()) {
+        QDBusMessage call =
+            QDBusMessage::createMethodCall(service, path, interface, QStringLiteral("CloseNotification"));
+        call << serverId;
+        m_bus.asyncCall(call, 10'000);
+    }
+    // Forgotten now: a click on one still on its way opens nothing.
+    m_shown.clear();
+    m_serverIds.clear();
+}
+
 void DesktopNotifications::onActionInvoked(uint serverId, const QString& action)
 {
     // Other programs' banners share the signal; only ours are known here.

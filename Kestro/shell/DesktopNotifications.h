@@ -27,6 +27,9 @@ public:
 
     // Shows one notification; true when a server took it.
     QCoro::Task<bool> post(Post post);
+    // Takes down every banner this app still shows (at sign-out, or when
+    // the workspace changes: they speak of another workspace's things).
+    void closeAll();
 
 signals:
     void clicked(const QString& id, const QString& href);

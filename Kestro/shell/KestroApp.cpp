@@ -94,7 +94,11 @@ KestroApp::KestroApp(QObject* parent) : QObject(parent)
     m_bell = std::make_unique<BellModel>();
     m_notifications = std::make_unique<DesktopNotifications>();
     m_badge = std::make_unique<LauncherBadge>();
-    m_notifier = std::make_unique<Notifier>(*m_notifications, *m_router);
+    // A click opens its page as any in-app link does (kept for later while
+    // the frame loads) and shows the item read in the bell at once.
+    m_notifier = std::make_unique<Notifier>(
+        *m_notifications, Notifier::Hooks{[this](const QString& path) { m_app->openAppPath(path); },
+                                          [this](const QString& id) { m_bell->markRead(id); }});
     m_palette = std::make_unique<PaletteModel>();
 
     AppModel::Desktop desktop;
@@ -120,11 +124,16 @@ KestroApp::KestroApp(QObject* parent) : QObject(parent)
         const bool signedIn = m_app->phase() == AppModel::Phase::SignedIn;
         if (signedIn)
             m_notifier->start();
+        else
+            m_notifications->closeAll();
         m_bell->setActive(signedIn);
     });
     // After each poll of the count, the desktop hears what is new; the
     // launcher shows the count the bell shows.
-    connect(m_bell.get(), &BellModel::polled, this, [this] { m_notifier->notifyNew(); });
+    connect(m_bell.get(), &BellModel::polled, this, [this] {
+        if (m_bell->unread() > 0)
+            m_notifier->notifyNew();
+    });
     connect(m_bell.get(), &BellModel::unreadChanged, this, [this] {
         if (m_bell->isActive())
             m_badge->setCount(m_bell->unread());
@@ -132,6 +141,12 @@ KestroApp::KestroApp(QObject* parent) : QObject(parent)
     connect(m_notifier.get(), &Notifier::raiseRequested, this, &KestroApp::raise);
     connect(m_app.get(), &AppModel::frameChanged, this, [this] {
         const QVariantMap frame = m_app->frame();
+        // Another workspace's banners speak of things this one does not have.
+        const QString workspace =
+            frame.value(QStringLiteral("workspace")).toMap().value(QStringLiteral("id")).toString();
+        const QString before = std::exchange(m_workspace, workspace);
+        if (!before.isEmpty() && !workspace.isEmpty() && workspace != before)
+            m_notifications->closeAll();
         m_palette->setTeammates(frame.value(QStringLiteral("kest")).toList());
         if (m_bell->isActive())
             m_bell->setUnread(

@@ -76,6 +76,7 @@ private:
     std::unique_ptr<DesktopNotifications> m_notifications;
     std::unique_ptr<LauncherBadge> m_badge;
     std::unique_ptr<Notifier> m_notifier;
+    QString m_workspace; // the frame's, to tell a switch
     std::unique_ptr<PaletteModel> m_palette;
     std::unique_ptr<WebAuthSession> m_authSession;
     std::unique_ptr<WebViews> m_webViews;

@@ -2,12 +2,8 @@
 
 #include "DesktopNotifications.h"
 #include "NotificationRules.h"
-#include "Router.h"
 
 #include "calls/app.h"
-#include "service/JSONValue.h"
-
-#include <QJsonArray>
 #include <QPointer>
 #include <QSettings>
 
@@ -15,8 +11,8 @@ namespace Kestro {
 
 using namespace NotificationRules;
 
-Notifier::Notifier(DesktopNotifications& desktop, Router& router, QObject* parent)
-    : QObject(parent), m_desktop(desktop), m_router(router),
+Notifier::Notifier(DesktopNotifications& desktop, Hooks hooks, QObject* parent)
+    : QObject(parent), m_desktop(desktop), m_hooks(std::move(hooks)),
       m_clock([] { return QDateTime::currentDateTimeUtc(); })
 {
     connect(&m_desktop, &DesktopNotifications::clicked, this,
@@ -69,18 +65,13 @@ QCoro::Task<> Notifier::notifyNew()
     m_posting = false;
 }
 
-QCoro::Task<> Notifier::open(QString id, QString href)
+void Notifier::open(const QString& id, const QString& href)
 {
     emit raiseRequested();
-    if (!href.isEmpty())
-        m_router.open(href);
-    // Built before the co_await: GCC 12 cannot keep a braced list alive across one.
-    const QJsonArray ids = QJsonArray::fromStringList({id});
-    try {
-        co_await Calls::app::readNotificationsAction(JSONValue::fromQJsonValue(ids));
-    } catch (const std::exception&) {
-        // The bell still shows it unread; nothing else depends on it.
-    }
+    if (!href.isEmpty() && m_hooks.openPath)
+        m_hooks.openPath(href);
+    if (m_hooks.markRead)
+        m_hooks.markRead(id);
 }
 
 } // namespace Kestro

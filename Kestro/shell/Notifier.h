@@ -9,7 +9,6 @@
 namespace Kestro {
 
 class DesktopNotifications;
-class Router;
 
 // Tells the desktop about the workspace's new activity: after each of the
 // bell's polls it reads the notifications and posts the unread ones newer
@@ -18,7 +17,15 @@ class Router;
 class Notifier : public QObject {
     Q_OBJECT
 public:
-    Notifier(DesktopNotifications& desktop, Router& router, QObject* parent = nullptr);
+    // What a click does besides raising the window: open an in-app path
+    // (as any link does, kept for later while signed out) and mark the
+    // item read (the bell shows it read at once).
+    struct Hooks {
+        std::function<void(const QString& path)> openPath;
+        std::function<void(const QString& id)> markRead;
+    };
+
+    Notifier(DesktopNotifications& desktop, Hooks hooks, QObject* parent = nullptr);
 
     // The signed-in frame appeared: from now on, not what came before.
     void start();
@@ -33,10 +40,10 @@ signals:
 
 private:
     QDateTime notifiedAt() const;
-    QCoro::Task<> open(QString id, QString href);
+    void open(const QString& id, const QString& href);
 
     DesktopNotifications& m_desktop;
-    Router& m_router;
+    Hooks m_hooks;
     std::function<QDateTime()> m_clock;
     bool m_posting = false; // one notifyNew at a time: a slow poll is not overtaken
 };
