@@ -70,4 +70,16 @@ Change change(double now, double before)
     return {QStringLiteral("\u2212%1%").arg(-points), -1};
 }
 
+Change pointsChange(double now, double before)
+{
+    if (!std::isfinite(now) || !std::isfinite(before))
+        return {};
+    const long points = std::lround((now - before) * 100);
+    if (points == 0)
+        return {QStringLiteral("\u00b10 pts"), 0};
+    if (points > 0)
+        return {QStringLiteral("+%1 pts").arg(points), 1};
+    return {QStringLiteral("\u2212%1 pts").arg(-points), -1};
+}
+
 } // namespace Kestro::AnalyticsNumbers

@@ -22,5 +22,8 @@ struct Change {
     int direction = 0; // 1 up, -1 down, 0 level or unknown
 };
 Change change(double now, double before);
+// How a rate between 0 and 1 moved, in percentage points: "+5 pts"
+// (40% to 45% is five points, not 13%).
+Change pointsChange(double now, double before);
 
 } // namespace Kestro::AnalyticsNumbers

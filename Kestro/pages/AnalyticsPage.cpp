@@ -5,9 +5,11 @@
 #include "service/ServiceError.h"
 
 #include <QDateTime>
+#include <QHash>
 #include <QLocale>
 #include <QPointF>
 #include <QRegularExpression>
+#include <QTimeZone>
 #include <QUrl>
 #include <QUrlQuery>
 
@@ -24,10 +26,10 @@ namespace {
 
 const QLocale english(QLocale::English, QLocale::UnitedKingdom);
 
-QDate today()
+QTimeZone zoneOf(const QString& name)
 {
-    // The service counts days in UTC.
-    return QDateTime::currentDateTimeUtc().date();
+    const QTimeZone zone(name.toUtf8());
+    return zone.isValid() ? zone : QTimeZone::systemTimeZone();
 }
 
 // The host of a referrer or link, lower-cased, without "www."; empty for a
@@ -108,14 +110,15 @@ QString dayLabel(const QDate& date, bool withYear)
     return english.toString(date, withYear ? QStringLiteral("d MMM yyyy") : QStringLiteral("d MMM"));
 }
 
-// The axis's word for a point of the series: an hour for today, else a day.
-QString pointLabel(const QString& at, bool hourly)
+// The axis's word for a point of the series: an hour for today (on the
+// site's clock), else a day (the service names days by their start in UTC).
+QString pointLabel(const QString& at, bool hourly, const QTimeZone& zone)
 {
     const QDateTime time = QDateTime::fromString(at, Qt::ISODateWithMs);
     if (!time.isValid())
         return {};
-    const QDateTime utc = time.toUTC();
-    return hourly ? utc.toString(QStringLiteral("HH:mm")) : dayLabel(utc.date(), false);
+    return hourly ? time.toTimeZone(zone).toString(QStringLiteral("HH:mm"))
+                  : dayLabel(time.toUTC().date(), false);
 }
 
 } // namespace
@@ -134,7 +137,8 @@ AnalyticsRange AnalyticsRange::fromQuery(const QString& range, const QString& fr
     } else if (range == QLatin1String("custom")) {
         const QDate first = QDate::fromString(from, Qt::ISODate);
         const QDate last = QDate::fromString(to, Qt::ISODate);
-        if (first.isValid() && last.isValid() && first <= last && last <= today) {
+        if (first.isValid() && last.isValid() && first <= last && last <= today &&
+            first.daysTo(last) < longest) {
             r.key = range;
             r.from = first;
             r.to = last;
@@ -213,6 +217,33 @@ AnalyticsPage::AnalyticsPage(QObject* parent, Timers& timers)
         list = breakdownList(this);
 }
 
+QDate AnalyticsPage::todayAt(const QString& timeZone)
+{
+    return QDateTime::currentDateTimeUtc().toTimeZone(zoneOf(timeZone)).date();
+}
+
+QList<BreakdownRow> AnalyticsPage::rowsOf(const QString& dimension,
+                                          const QList<Calls::app::AnalyticsBreakdownActionResultRow>& rows)
+{
+    QList<BreakdownRow> out;
+    QHash<QString, qsizetype> at;
+    for (const auto& row : rows) {
+        const QString value = row.value == QLatin1String("(none)") ? QString() : row.value;
+        if (const auto seen = at.constFind(value); seen != at.cend()) {
+            auto& kept = out[*seen].of;
+            kept.visitors += row.visitors;
+            kept.visits += row.visits;
+            kept.share += row.share;
+            continue;
+        }
+        at.insert(value, out.size());
+        BreakdownRow added{dimension, row};
+        added.of.value = value;
+        out.append(std::move(added));
+    }
+    return out;
+}
+
 QCoro::Task<QVariant> AnalyticsPage::fetch(Route route)
 {
     AnalyticsAnswer answer;
@@ -223,31 +254,48 @@ QCoro::Task<QVariant> AnalyticsPage::fetch(Route route)
             answer.siteId = wanted;
     if (answer.siteId.isEmpty() && !answer.sites.sites.isEmpty())
         answer.siteId = answer.sites.sites.first().siteId;
+    QString timeZone;
+    for (const Model::SiteView& site : answer.sites.sites)
+        if (site.siteId == answer.siteId)
+            timeZone = site.timezone;
     answer.range = AnalyticsRange::fromQuery(route.query.value(QStringLiteral("range")),
                                              route.query.value(QStringLiteral("from")),
-                                             route.query.value(QStringLiteral("to")), today());
+                                             route.query.value(QStringLiteral("to")), todayAt(timeZone));
     if (answer.siteId.isEmpty())
         co_return QVariant::fromValue(answer);
 
+    // All the calls go out at once (a task runs until its first wait), and
+    // are then collected in order.
     const JSONValue range = answer.range.toJson();
-    {
-        Arg site{JSONValue(answer.siteId)};
-        Arg over{range};
-        answer.now = co_await Calls::analytics::dashboard(std::move(site), std::move(over));
+    const bool today = answer.range.key == QLatin1String("today");
+    QCoro::Task<DashboardResult> now =
+        Calls::analytics::dashboard(Arg(JSONValue(answer.siteId)), Arg(JSONValue(range)));
+    // A part of today against the whole of yesterday would read as a drop
+    // every morning: today shows its figures without a change.
+    std::optional<QCoro::Task<DashboardResult>> before;
+    if (!today)
+        before.emplace(Calls::analytics::dashboard(Arg(JSONValue(answer.siteId)),
+                                                   Arg(answer.range.previous().toJson())));
+    std::vector<QCoro::Task<AnalyticsBreakdownActionResult>> breakdowns;
+    for (const QString& dimension : dimensions())
+        breakdowns.push_back(Calls::app::analyticsBreakdownAction(
+            Arg(JSONValue(answer.siteId)), Arg(JSONValue(dimension)), Arg(JSONValue(range))));
+
+    answer.now = co_await std::move(now);
+    if (before) {
+        // Without the range before, the figures show without their change.
+        try {
+            answer.before = co_await std::move(*before);
+        } catch (const std::exception&) {
+        }
     }
-    // Without the range before, the figures show without their change.
-    try {
-        Arg site{JSONValue(answer.siteId)};
-        Arg over{answer.range.previous().toJson()};
-        answer.before = co_await Calls::analytics::dashboard(std::move(site), std::move(over));
-    } catch (const std::exception&) {
-    }
-    for (const QString& dimension : dimensions()) {
-        Arg site{JSONValue(answer.siteId)};
-        Arg kind{JSONValue(dimension)};
-        Arg over{range};
-        AnalyticsBreakdownActionResult result =
-            co_await Calls::app::analyticsBreakdownAction(std::move(site), std::move(kind), std::move(over));
+    for (auto& breakdown : breakdowns) {
+        std::optional<AnalyticsBreakdownActionResult> result;
+        try {
+            result = co_await std::move(breakdown);
+        } catch (const std::exception&) {
+            // This card says so; the rest of the page shows.
+        }
         answer.breakdowns.append(std::move(result));
     }
     co_return QVariant::fromValue(answer);
@@ -257,8 +305,11 @@ QList<HeadlineTile> AnalyticsPage::headlineOf(const DashboardResultTotals& now,
                                               const std::optional<DashboardResultTotals>& before)
 {
     using namespace AnalyticsNumbers;
-    auto tile = [&](const char* key, const char* label, QString value, auto figure, bool upIsGood = true) {
-        const Change moved = before ? change(figure(now), figure(*before)) : Change{};
+    auto tile = [&](const char* key, const char* label, QString value, auto figure, bool upIsGood = true,
+                    bool rate = false) {
+        const Change moved = !before ? Change{}
+                             : rate  ? pointsChange(figure(now), figure(*before))
+                                     : change(figure(now), figure(*before));
         return HeadlineTile{QLatin1String(key), QLatin1String(label), std::move(value),
                             moved.text,         moved.direction,      upIsGood};
     };
@@ -270,7 +321,7 @@ QList<HeadlineTile> AnalyticsPage::headlineOf(const DashboardResultTotals& now,
              [](const DashboardResultTotals& t) { return t.pageviews; }),
         tile(
             "bounce", "Bounce rate", percent(now.bounceRate),
-            [](const DashboardResultTotals& t) { return t.bounceRate; }, false),
+            [](const DashboardResultTotals& t) { return t.bounceRate; }, false, true),
         tile("duration", "Visit duration", duration(now.duration),
              [](const DashboardResultTotals& t) { return t.duration; }),
     };
@@ -323,6 +374,9 @@ void AnalyticsPage::apply(const QVariant& value)
     const auto answer = value.value<AnalyticsAnswer>();
     m_sites->apply(answer.sites.sites);
     m_siteId = answer.siteId;
+    m_timeZone.clear();
+    if (const Model::SiteView* site = m_sites->find(m_siteId))
+        m_timeZone = site->timezone;
     m_canManage = answer.sites.canManage;
     m_range = answer.range;
     m_live.clear();
@@ -354,22 +408,24 @@ void AnalyticsPage::apply(const QVariant& value)
                                    std::clamp(now.series[i].visitors / top, 0.0, 1.0)));
         if (n > 0) {
             m_chartPeak = AnalyticsNumbers::count(peak);
-            m_chartStart = pointLabel(now.series.first().at, hourly);
-            m_chartEnd = pointLabel(now.series.last().at, hourly);
+            const QTimeZone zone = zoneOf(m_timeZone);
+            m_chartStart = pointLabel(now.series.first().at, hourly, zone);
+            m_chartEnd = pointLabel(now.series.last().at, hourly, zone);
             m_chartSummary =
                 QStringLiteral("Visitors %1, from %2 to %3. The most, %4, at %5.")
                     .arg(hourly ? QStringLiteral("by the hour") : QStringLiteral("by the day"), m_chartStart,
-                         m_chartEnd, m_chartPeak, pointLabel(now.series[peakAt].at, hourly));
+                         m_chartEnd, m_chartPeak, pointLabel(now.series[peakAt].at, hourly, zone));
         }
     } else {
         m_headline->apply({});
     }
+    m_failed.clear();
     for (qsizetype i = 0; i < qsizetype(m_breakdowns.size()); ++i) {
-        QList<BreakdownRow> rows;
-        if (i < answer.breakdowns.size())
-            for (const auto& row : answer.breakdowns[i].rows)
-                rows.append(BreakdownRow{dimensions()[i], row});
-        m_breakdowns[i]->apply(rows);
+        const bool answered = i < answer.breakdowns.size() && answer.breakdowns[i];
+        if (!answered && answer.now)
+            m_failed.insert(dimensions()[i], true);
+        m_breakdowns[i]->apply(answered ? rowsOf(dimensions()[i], answer.breakdowns[i]->rows)
+                                        : QList<BreakdownRow>{});
     }
     emit answered();
 }
@@ -401,7 +457,7 @@ void AnalyticsPage::chooseRange(const QString& key)
 {
     if (key == m_range.key && key != QLatin1String("custom"))
         return;
-    openWith(m_siteId, AnalyticsRange::fromQuery(key, {}, {}, today()));
+    openWith(m_siteId, AnalyticsRange::fromQuery(key, {}, {}, todayAt(m_timeZone)));
 }
 
 QString AnalyticsPage::chooseDays(const QString& from, const QString& to)
@@ -413,10 +469,11 @@ QString AnalyticsPage::chooseDays(const QString& from, const QString& to)
     if (first > last)
         return QStringLiteral(
             "The first day comes after the last. Choose a first day on or before the last.");
-    if (last > today())
+    if (last > todayAt(m_timeZone))
         return QStringLiteral("The last day is still to come. Choose today or a day before it.");
-    if (first.daysTo(last) >= 400)
-        return QStringLiteral("A range can be 400 days long at most. Choose a shorter one.");
+    if (first.daysTo(last) >= AnalyticsRange::longest)
+        return QStringLiteral("A range can be %1 days long at most. Choose a shorter one.")
+            .arg(AnalyticsRange::longest);
     AnalyticsRange range;
     range.key = QStringLiteral("custom");
     range.from = first;

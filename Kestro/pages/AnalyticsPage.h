@@ -19,8 +19,12 @@ struct AnalyticsRange {
     QDate from;
     QDate to;
 
+    // The longest custom range, in days.
+    static constexpr int longest = 400;
+
     // From the page's address ("?range=30d", "?range=custom&from=…&to=…");
-    // anything else is the last 7 days.
+    // anything else (days to come, longer than `longest`) is the last 7
+    // days. `today` is the site's.
     static AnalyticsRange fromQuery(const QString& range, const QString& from, const QString& to,
                                     QDate today);
     // How the service is asked for it.
@@ -55,8 +59,9 @@ struct AnalyticsAnswer {
     AnalyticsRange range;
     std::optional<Calls::analytics::DashboardResult> now;
     std::optional<Calls::analytics::DashboardResult> before;
-    // In the order of AnalyticsPage::dimensions().
-    QList<Calls::app::AnalyticsBreakdownActionResult> breakdowns;
+    // In the order of AnalyticsPage::dimensions(); none where that one
+    // call failed.
+    QList<std::optional<Calls::app::AnalyticsBreakdownActionResult>> breakdowns;
 };
 
 // "/analytics": a site's traffic over a range, with its headline figures
@@ -75,6 +80,8 @@ class AnalyticsPage : public Kestro::PageModel {
     Q_PROPERTY(QString rangeFrom READ rangeFrom NOTIFY answered)
     Q_PROPERTY(QString rangeTo READ rangeTo NOTIFY answered)
     Q_PROPERTY(QString live READ live NOTIFY answered)
+    // The breakdowns that did not load this time, by dimension.
+    Q_PROPERTY(QVariantMap failed READ failed NOTIFY answered)
     Q_PROPERTY(Kestro::KeyedListModel* headline READ headline CONSTANT)
     // The visitors over the range: points with x and y between 0 and 1,
     // and the axis's words.
@@ -108,6 +115,7 @@ public:
     QString rangeFrom() const { return m_range.from.toString(Qt::ISODate); }
     QString rangeTo() const { return m_range.to.toString(Qt::ISODate); }
     QString live() const { return m_live; }
+    QVariantMap failed() const { return m_failed; }
     KeyedListModel* headline() const { return m_headline; }
     QVariantList chart() const { return m_chart; }
     QString chartPeak() const { return m_chartPeak; }
@@ -134,6 +142,13 @@ public:
     static QList<HeadlineTile>
     headlineOf(const Calls::analytics::DashboardResultTotals& now,
                const std::optional<Calls::analytics::DashboardResultTotals>& before);
+    // The day it is where the site is (its time zone, or this machine's
+    // when the service names none it knows).
+    static QDate todayAt(const QString& timeZone);
+    // A breakdown's rows, one per value: repeats (the service may send ""
+    // and "(none)" alike) are added together.
+    static QList<BreakdownRow> rowsOf(const QString& dimension,
+                                      const QList<Calls::app::AnalyticsBreakdownActionResultRow>& rows);
     // The image a row shows beside its label: a source's or browser's
     // icon, a country's flag; empty for none.
     static QString iconOf(const QString& dimension, const QString& value);
@@ -152,6 +167,8 @@ private:
     KeyedList<HeadlineTile>* m_headline;
     std::array<KeyedList<BreakdownRow>*, 7> m_breakdowns{};
     QString m_siteId;
+    QString m_timeZone;
+    QVariantMap m_failed; // dimension → true
     bool m_canManage = false;
     AnalyticsRange m_range;
     QString m_live;

@@ -18,6 +18,10 @@ struct Row {
     // How many leading segments make the page one object (0: the whole
     // path): a teammate's chat stays one page from thread to thread.
     int kept = 0;
+    // A query item that sends the route on to the rows below: the page
+    // shows part of what the service's own page does, and an address that
+    // names another part is the service's.
+    const char* otherPart = nullptr;
 };
 
 const Row table[] = {
@@ -27,7 +31,7 @@ const Row table[] = {
     {"kest/*/chat", Kind::Native, "DirectChatPage.qml", "Chat", nullptr, 3},
     {"kest/*/chat/*", Kind::Native, "DirectChatPage.qml", "Chat", nullptr, 3},
     {"analytics", Kind::Native, "AnalyticsPage.qml", "Analytics"},
-    {"analytics/settings", Kind::Native, "AnalyticsSettingsPage.qml", "Site settings"},
+    {"analytics/settings", Kind::Native, "AnalyticsSettingsPage.qml", "Site settings", nullptr, 0, "tab"},
     // The product's other families are the service's own pages for now.
     {"analytics/**", Kind::Web, nullptr, "Analytics"},
     {"brain/**", Kind::Web, nullptr, "Brain"},
@@ -80,6 +84,8 @@ PageCatalog::Page PageCatalog::pageOf(const Route& route)
 {
     for (const Row& row : table) {
         if (!matches(QLatin1StringView(row.pattern), route.segments))
+            continue;
+        if (row.otherPart && route.query.contains(QLatin1String(row.otherPart)))
             continue;
         Page page;
         page.kind = row.kind;

@@ -45,7 +45,7 @@ SkyPolicy::SkyPolicy(QObject* parent) : QObject(parent)
         m_software = true; // draws no shaders at all; the ground shows
     else if (api == QSGRendererInterface::OpenGL || api == QSGRendererInterface::Unknown)
         m_software = isSoftwareRenderer(openGlRenderer());
-    m_still = m_software;
+    m_calm = m_software;
 
     const QByteArray chosen = qgetenv("KESTRO_SKY_FPS");
     if (chosen == "still") {
@@ -54,7 +54,7 @@ SkyPolicy::SkyPolicy(QObject* parent) : QObject(parent)
         bool ok = false;
         const int rate = chosen.toInt(&ok);
         if (ok && rate >= 0) {
-            m_still = false;
+            m_calm = false;
             m_framesPerSecond = rate;
         }
     }

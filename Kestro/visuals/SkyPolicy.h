@@ -10,15 +10,17 @@ namespace Kestro {
 // under a virtual display, or a machine without drivers) repaints the whole
 // window for every frame of the sky: at 1440x900 that is about 40 ms of
 // processor time a frame, so even 4 frames a second took 16% of a core.
-// There the sky is a still frame, drawn again only when the theme or the
-// size changes. KESTRO_SKY_FPS sets the rate by hand ("0": the display's
-// rate, "still", or frames a second), for measuring and for screenshots.
+// There the sky is calm: its clouds stand, and it moves only while the
+// theme blends from light to dark or back (a second or so). KESTRO_SKY_FPS
+// sets the rate by hand ("0": the display's rate, "still", or frames a
+// second), for measuring and for screenshots.
 class SkyPolicy : public QObject {
     Q_OBJECT
     QML_ELEMENT
     QML_SINGLETON
     Q_PROPERTY(bool software READ software CONSTANT)
     Q_PROPERTY(bool still READ still CONSTANT)
+    Q_PROPERTY(bool calm READ calm CONSTANT)
     Q_PROPERTY(int framesPerSecond READ framesPerSecond CONSTANT)
 
 public:
@@ -26,6 +28,7 @@ public:
 
     bool software() const { return m_software; }
     bool still() const { return m_still; }
+    bool calm() const { return m_calm; }
     int framesPerSecond() const { return m_framesPerSecond; }
 
     // Whether an OpenGL renderer's name is one that draws on the processor.
@@ -34,6 +37,7 @@ public:
 private:
     bool m_software = false;
     bool m_still = false;
+    bool m_calm = false;
     int m_framesPerSecond = 0;
 };
 

@@ -6,6 +6,7 @@
 #include <QSize>
 #include <QtQml/qqmlregistration.h>
 
+#include <cmath>
 #include <functional>
 #include <optional>
 
@@ -36,6 +37,8 @@ class SkyView : public QObject, public QQmlParserStatus {
     Q_PROPERTY(QColor cloudL READ cloudL NOTIFY frameChanged)
     Q_PROPERTY(QColor skyD READ skyD NOTIFY frameChanged)
     Q_PROPERTY(bool paused READ paused NOTIFY pausedChanged)
+    // The theme is still on its way from one end to the other.
+    Q_PROPERTY(bool blending READ blending NOTIFY frameChanged)
 
 public:
     // The drawable is this share of the view in each direction.
@@ -75,6 +78,7 @@ public:
     QColor cloudL() const { return m_cloudL; }
     QColor skyD() const { return m_skyD; }
     bool paused() const { return m_still || m_stopped; }
+    bool blending() const { return std::abs(m_theme - m_target) > 0.002; }
 
     // Advances the animation to now (or, when still, shows the still moment).
     Q_INVOKABLE void frame();

@@ -161,6 +161,8 @@ private slots:
         QCOMPARE(change(92, 100).direction, -1);
         QCOMPARE(change(1002, 1000).text, u"\u00b10%"_s);
         QCOMPARE(change(5, 0).text, QString()); // nothing before to compare with
+        QCOMPARE(pointsChange(0.45, 0.40).text, u"+5 pts"_s);
+        QCOMPARE(pointsChange(0.38, 0.40).direction, -1);
     }
 };
 

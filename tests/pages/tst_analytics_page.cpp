@@ -92,8 +92,12 @@ private slots:
     void showsTheSitesTrafficWithItsSources()
     {
         AnalyticsPage page;
+        page.setRouter(m_router.get());
+        page.setRoute(Route::parse(u"/analytics"_s));
+        QCOMPARE(page.loader()->state(), Loaded::State::Bones);
         load(page, u"/analytics"_s);
         QCOMPARE(page.siteId(), u"s1"_s);
+        QCOMPARE(page.failed(), QVariantMap());
         QCOMPARE(page.domain(), u"northwind.example"_s);
         QCOMPARE(page.sites()->count(), 2);
         QCOMPARE(page.rangeLabel(), u"Last 7 days"_s);
@@ -103,6 +107,7 @@ private slots:
         QCOMPARE(page.headline()->count(), 5);
         QCOMPARE(valueOf(page.headline(), u"bounce"_s, u"label"_s).toString(), u"Bounce rate"_s);
         QVERIFY(valueOf(page.headline(), u"bounce"_s, u"value"_s).toString().endsWith(u'%'));
+        QVERIFY(valueOf(page.headline(), u"bounce"_s, u"change"_s).toString().endsWith(u" pts"_s));
         for (int row = 0; row < 5; ++row)
             QVERIFY2(!page.headline()->valueAt(row, u"change"_s).toString().isEmpty(),
                      qPrintable(page.headline()->keyAt(row)));
@@ -152,6 +157,12 @@ private slots:
         QCOMPARE(page.chart().size(), 30);
         QCOMPARE(page.rangeLabel(), u"Last 30 days"_s);
 
+        // Today, hour by hour, without a change against a whole yesterday.
+        AnalyticsPage today;
+        load(today, u"/analytics?site=s1&range=today"_s);
+        QVERIFY(!today.chart().isEmpty() && today.chart().size() <= 24);
+        QCOMPARE(today.headline()->valueAt(0, u"change"_s).toString(), QString());
+
         page.chooseRange(u"today"_s);
         QCOMPARE(m_router->route().text(), u"/analytics?range=today&site=s2"_s);
         page.chooseSite(u"s1"_s);
@@ -165,6 +176,19 @@ private slots:
         QCOMPARE(page.chooseDays(u"2026-10-01"_s, u"2026-10-07"_s), QString());
         QCOMPARE(m_router->route().text(),
                  u"/analytics?from=2026-10-01&range=custom&site=s2&to=2026-10-07"_s);
+    }
+
+    void repeatedValuesAddUp()
+    {
+        Calls::app::AnalyticsBreakdownActionResultRow none{u""_s, std::nullopt, 10, 12, 0.1};
+        Calls::app::AnalyticsBreakdownActionResultRow named{u"(none)"_s, std::nullopt, 5, 6, 0.05};
+        Calls::app::AnalyticsBreakdownActionResultRow google{u"https://google.com/"_s, std::nullopt, 7, 8,
+                                                             0.07};
+        const auto rows = AnalyticsPage::rowsOf(u"referrers"_s, {none, google, named});
+        QCOMPARE(rows.size(), 2);
+        QCOMPARE(rows[0].of.value, QString());
+        QCOMPARE(rows[0].of.visitors, 15.0);
+        QCOMPARE(rows[1].of.value, u"https://google.com/"_s);
     }
 
     void settingsCheckHostsAndSave()

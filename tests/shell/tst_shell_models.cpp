@@ -208,7 +208,11 @@ private slots:
 
     void routesFindTheirPage()
     {
+        // The native settings show hosts, cookies and reports; another tab
+        // is the service's page.
         QCOMPARE(PageCatalog::kindOf(Route::parse(u"/analytics/settings?tab=crawlers"_s)),
+                 PageCatalog::Kind::Web);
+        QCOMPARE(PageCatalog::kindOf(Route::parse(u"/analytics/settings?site=s1"_s)),
                  PageCatalog::Kind::Native);
         QCOMPARE(PageCatalog::kindOf(Route::parse(u"/analytics/goals/signup"_s)), PageCatalog::Kind::Web);
         QCOMPARE(PageCatalog::kindOf(Route::parse(u"/kest/nova/chat"_s)), PageCatalog::Kind::Native);

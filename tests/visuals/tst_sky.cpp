@@ -73,6 +73,7 @@ private slots:
         QCoreApplication::processEvents();
         QCOMPARE(sky.view.skyL(), QColor(u"#dde8f8"_s));
         QCOMPARE(sky.view.skyD(), QColor(u"#101522"_s));
+        QVERIFY(sky.view.blending());
         sky.frameAfter(0);
         sky.frameAfter(1.0 / 60);
         QVERIFY(qAbs(sky.view.theme() - 0.92) < 1e-9);
@@ -81,6 +82,10 @@ private slots:
         // A slower display closes the same share per second.
         sky.frameAfter(1.0 / 30);
         QVERIFY(qAbs(sky.view.theme() - std::pow(0.92, 4)) < 1e-9);
+        // Two seconds on, the blend is over (a calm sky stops there).
+        for (int i = 0; i < 120; ++i)
+            sky.frameAfter(1.0 / 60);
+        QVERIFY(!sky.view.blending());
     }
 
     void longGapsAndPausesDoNotJump()

@@ -6,6 +6,7 @@ import QtQuick.Controls.Basic
 import QtQuick.Layouts
 import Kestro.Controls
 import Kestro.Pages
+import Kestro.Visuals
 
 // "/analytics": one site's traffic over a range. The site and the range
 // live in the address, so Back steps through what the user looked at.
@@ -15,6 +16,8 @@ Item {
     property alias route: analytics.route
     readonly property string title: "Analytics"
     readonly property bool loading: analytics.loader.loading && analytics.loader.state !== Loaded.Content
+    // The breakdowns that did not load, by dimension.
+    readonly property var failures: analytics.failed
     objectName: "analyticsPage"
 
     AnalyticsModel {
@@ -33,6 +36,10 @@ Item {
         visible: analytics.loader.state === Loaded.Failed
         message: analytics.loader.error
         onRetry: analytics.loader.reload()
+    }
+    Sky {
+        anchors.fill: parent
+        visible: analytics.loader.state === Loaded.Content && !analytics.hasSites
     }
     EmptyState {
         anchors.centerIn: parent
@@ -78,9 +85,8 @@ Item {
                             model: analytics.sites
                             delegate: MenuItem {
                                 required property var model
-                                text: model.domain
-                                checkable: true
-                                checked: model.key === analytics.siteId
+                                text: (model.key === analytics.siteId ? "\u2713  " : "") + model.domain
+                                Accessible.name: model.domain + (model.key === analytics.siteId ? ", shown now" : "")
                                 onTriggered: analytics.chooseSite(model.key)
                             }
                         }
@@ -123,7 +129,8 @@ Item {
                             implicitHeight: 30
                             Accessible.role: Accessible.PageTab
                             Accessible.name: modelData.key === "custom" ? "Custom range" : text
-                            Accessible.checked: current
+                            Accessible.selectable: true
+                            Accessible.selected: current
                             Keys.onReturnPressed: clicked()
                             Keys.onEnterPressed: clicked()
                             onClicked: {
@@ -252,13 +259,13 @@ Item {
                 columns: content.width > 700 ? 2 : 1
                 columnSpacing: 12
                 rowSpacing: 12
-                BreakdownCard { objectName: "sources"; title: "Sources"; rows: analytics.referrers; Layout.fillWidth: true; Layout.alignment: Qt.AlignTop; Layout.preferredWidth: 1 }
-                BreakdownCard { title: "Pages"; rows: analytics.pages; Layout.fillWidth: true; Layout.alignment: Qt.AlignTop; Layout.preferredWidth: 1 }
-                BreakdownCard { title: "Countries"; rows: analytics.countries; Layout.fillWidth: true; Layout.alignment: Qt.AlignTop; Layout.preferredWidth: 1 }
-                BreakdownCard { title: "Devices"; rows: analytics.devices; Layout.fillWidth: true; Layout.alignment: Qt.AlignTop; Layout.preferredWidth: 1 }
-                BreakdownCard { title: "Browsers"; rows: analytics.browsers; Layout.fillWidth: true; Layout.alignment: Qt.AlignTop; Layout.preferredWidth: 1 }
-                BreakdownCard { title: "Systems"; rows: analytics.systems; Layout.fillWidth: true; Layout.alignment: Qt.AlignTop; Layout.preferredWidth: 1 }
-                BreakdownCard { title: "Exit links"; rows: analytics.exits; emptyText: "No visitor left by a link in this range."; Layout.fillWidth: true; Layout.alignment: Qt.AlignTop; Layout.preferredWidth: 1 }
+                BreakdownCard { objectName: "sources"; title: "Sources"; rows: analytics.referrers; failed: !!page.failures["referrers"]; Layout.fillWidth: true; Layout.alignment: Qt.AlignTop; Layout.preferredWidth: 1 }
+                BreakdownCard { title: "Pages"; rows: analytics.pages; failed: !!page.failures["pages"]; Layout.fillWidth: true; Layout.alignment: Qt.AlignTop; Layout.preferredWidth: 1 }
+                BreakdownCard { title: "Countries"; rows: analytics.countries; failed: !!page.failures["countries"]; Layout.fillWidth: true; Layout.alignment: Qt.AlignTop; Layout.preferredWidth: 1 }
+                BreakdownCard { title: "Devices"; rows: analytics.devices; failed: !!page.failures["devices"]; Layout.fillWidth: true; Layout.alignment: Qt.AlignTop; Layout.preferredWidth: 1 }
+                BreakdownCard { title: "Browsers"; rows: analytics.browsers; failed: !!page.failures["browsers"]; Layout.fillWidth: true; Layout.alignment: Qt.AlignTop; Layout.preferredWidth: 1 }
+                BreakdownCard { title: "Systems"; rows: analytics.systems; failed: !!page.failures["os"]; Layout.fillWidth: true; Layout.alignment: Qt.AlignTop; Layout.preferredWidth: 1 }
+                BreakdownCard { title: "Exit links"; rows: analytics.exits; failed: !!page.failures["exit_links"]; emptyText: "No visitor left by a link in this range."; Layout.fillWidth: true; Layout.alignment: Qt.AlignTop; Layout.preferredWidth: 1 }
             }
         }
     }

@@ -184,6 +184,27 @@ Item {
                     }
                 }
             }
+
+            SectionHeader { Layout.fillWidth: true; Layout.topMargin: 12; text: "More" }
+            RowLayout {
+                Layout.fillWidth: true
+                spacing: 12
+                Text {
+                    Layout.fillWidth: true
+                    text: "Exclusions, crawlers, replays and sharing are set on the service's own settings page."
+                    textFormat: Text.PlainText
+                    wrapMode: Text.WordWrap
+                    font.family: Theme.sans
+                    font.pixelSize: 13
+                    color: Theme.muted
+                }
+                PrimaryButton {
+                    quiet: true
+                    text: "Open"
+                    Accessible.name: "Open the other settings of " + settings.domain
+                    onClicked: settings.open("/analytics/settings?tab=general&site=" + encodeURIComponent(settings.siteId))
+                }
+            }
         }
     }
 }

@@ -12,6 +12,9 @@ Rectangle {
     property string title
     property var rows
     property string emptyText: "No visits in this range."
+    // The service did not answer for this breakdown (the rest of the page
+    // did): said in its place.
+    property bool failed: false
     property bool expanded: false
     readonly property int shown: expanded ? rowList.count : Math.min(rowList.count, 8)
 
@@ -66,7 +69,8 @@ Rectangle {
                 Layout.fillWidth: true
                 implicitHeight: 30
                 Accessible.role: Accessible.StaticText
-                Accessible.name: label + (kind.length > 0 ? ", " + kind : "") + ": " + visitors + " visitors, " + shareText
+                Accessible.name: label + (detail.length > 0 ? " (" + detail + ")" : "") + (kind.length > 0 ? ", " + kind : "")
+                                 + ": " + visitors + " visitors, " + shareText
 
                 Rectangle {
                     // The row's share of the visits, behind its words.
@@ -157,7 +161,9 @@ Rectangle {
         Text {
             visible: rowList.count === 0
             Layout.topMargin: 6
-            text: card.emptyText
+            Layout.fillWidth: true
+            wrapMode: Text.WordWrap
+            text: card.failed ? "These figures did not load. They are asked for again in a minute." : card.emptyText
             textFormat: Text.PlainText
             font.family: Theme.sans
             font.pixelSize: 13

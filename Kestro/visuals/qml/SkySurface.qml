@@ -46,7 +46,7 @@ Item {
         layer.smooth: true
         onStatusChanged: {
             if (status === ShaderEffect.Error)
-                console.warn("The sky is not drawn: its shader did not load. " + log)
+                console.warn("The sky is not drawn: its shader did not load (" + log.replace(/\s+/g, " ").trim() + ").")
         }
     }
 
