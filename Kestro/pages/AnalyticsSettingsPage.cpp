@@ -79,27 +79,23 @@ QString AnalyticsSettingsPage::addHost(const QString& typed)
     const QString problem = hostProblem(typed);
     if (!problem.isEmpty())
         return problem;
-    QStringList names = m_result.site.allowedHostnames;
-    names.append(typed.trimmed());
-    JSONValue::Array list;
-    for (const QString& name : names)
-        list.emplace_back(name);
-    // Shown at once; the service's answer settles it.
-    m_result.site.allowedHostnames = names;
-    emit answered();
-    save(siteId(),
-         JSONValue(JSONValue::Object{{QStringLiteral("allowedHostnames"), JSONValue(std::move(list))}}));
+    setHosts(m_result.site.allowedHostnames + QStringList{typed.trimmed()});
     return {};
 }
 
 void AnalyticsSettingsPage::removeHost(const QString& name)
 {
     QStringList names = m_result.site.allowedHostnames;
-    if (!names.removeOne(name))
-        return;
+    if (names.removeOne(name))
+        setHosts(names);
+}
+
+void AnalyticsSettingsPage::setHosts(const QStringList& names)
+{
     JSONValue::Array list;
-    for (const QString& kept : names)
-        list.emplace_back(kept);
+    for (const QString& name : names)
+        list.emplace_back(name);
+    // Shown at once; the service's answer settles it.
     m_result.site.allowedHostnames = names;
     emit answered();
     save(siteId(),

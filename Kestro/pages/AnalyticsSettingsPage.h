@@ -54,6 +54,7 @@ protected:
     bool loadsFor(const Route& from, const Route& to) const override;
 
 private:
+    void setHosts(const QStringList& names);
     QCoro::Task<> save(QString siteId, JSONValue changes);
 
     Calls::analytics::SettingsResult m_result;
