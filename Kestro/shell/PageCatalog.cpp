@@ -31,6 +31,7 @@ const Row table[] = {
     {"kest/*/chat", Kind::Native, "DirectChatPage.qml", "Chat", nullptr, 3},
     {"kest/*/chat/*", Kind::Native, "DirectChatPage.qml", "Chat", nullptr, 3},
     {"analytics", Kind::Native, "AnalyticsPage.qml", "Analytics"},
+    {"tasks", Kind::Native, "TasksPage.qml", "Tasks"},
     {"analytics/settings", Kind::Native, "AnalyticsSettingsPage.qml", "Site settings", nullptr, 0, "tab"},
     // The product's other families are the service's own pages for now.
     {"analytics/**", Kind::Web, nullptr, "Analytics"},

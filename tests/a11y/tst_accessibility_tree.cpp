@@ -306,6 +306,13 @@ private slots:
         checkScreen(u"Last 7 days"_s);
     }
 
+    // The filters, the groups' fold and add buttons, and the task rows.
+    void tasksSpeakEveryControl()
+    {
+        pressPlace(u"Tasks"_s);
+        checkScreen(u"6 tasks"_s);
+    }
+
     void cleanupTestCase()
     {
         m_app.kill();

@@ -1,0 +1,149 @@
+// Components here stay in this file's context: delegates name its ids, and
+// take their model data only through required properties.
+pragma ComponentBehavior: Bound
+import QtQuick
+import QtQuick.Controls.Basic
+import QtQuick.Layouts
+import Kestro.Controls
+import Kestro.Pages
+
+// "/tasks": the workspace's tasks by status, with a search, "Only mine",
+// foldable groups and new tasks (in a group or on their own).
+Item {
+    id: page
+    property alias router: tasks.router
+    property alias route: tasks.route
+    readonly property string title: "Tasks"
+    readonly property bool loading: tasks.loader.loading && tasks.loader.state !== Loaded.Content
+    objectName: "tasksPage"
+
+    TaskListModel {
+        id: tasks
+        Component.onCompleted: tasks.start()
+    }
+
+    Bones {
+        visible: tasks.loader.state === Loaded.Bones
+        x: 32
+        y: 96
+        width: page.width - 64
+    }
+    PageFailure {
+        anchors.fill: parent
+        visible: tasks.loader.state === Loaded.Failed
+        message: tasks.loader.error
+        onRetry: tasks.loader.reload()
+    }
+
+    // The filter bar.
+    RowLayout {
+        id: bar
+        x: 32
+        y: 20
+        width: page.width - 64
+        spacing: 8
+        TextField {
+            id: searchField
+            objectName: "taskSearch"
+            Layout.preferredWidth: 280
+            placeholderText: "Search tasks"
+            Accessible.name: "Search tasks"
+            text: tasks.query
+            // Typed words become the address after a short pause.
+            onTextEdited: typing.restart()
+            onAccepted: tasks.search(text)
+            Timer {
+                id: typing
+                interval: 300
+                onTriggered: tasks.search(searchField.text)
+            }
+        }
+        PrimaryButton {
+            objectName: "onlyMine"
+            quiet: !tasks.mine
+            text: "Only mine"
+            Accessible.name: tasks.mine ? "Only mine, on" : "Only mine, off"
+            onClicked: tasks.setMine(!tasks.mine)
+        }
+        Text {
+            visible: tasks.loader.state === Loaded.Content
+            text: tasks.shown === 1 ? "1 task" : tasks.shown + " tasks"
+            Accessible.role: Accessible.StaticText
+            Accessible.name: text
+            textFormat: Text.PlainText
+            font.family: Theme.sans
+            font.pixelSize: 13
+            color: Theme.muted
+        }
+        Item { Layout.fillWidth: true }
+        PrimaryButton {
+            objectName: "newTask"
+            visible: tasks.canManage
+            text: "New task"
+            onClicked: dialog.openFor("todo", "")
+        }
+    }
+
+    ListView {
+        id: list
+        objectName: "taskList"
+        anchors.fill: parent
+        anchors.topMargin: 72
+        visible: tasks.loader.state === Loaded.Content
+        clip: true
+        model: tasks.rows
+        boundsBehavior: Flickable.StopAtBounds
+        bottomMargin: 40
+        ScrollBar.vertical: ScrollBar {}
+        Accessible.role: Accessible.List
+        Accessible.name: "Tasks"
+        keyNavigationEnabled: true
+
+        // A heading or a task. (Both are made for every row and one shows:
+        // Qt 6.4 will not load a component bound to this file from a Loader.)
+        delegate: Item {
+            id: cell
+            required property var model
+            width: list.width
+            height: cell.model.header ? heading.implicitHeight : task.implicitHeight
+            TaskListHeading {
+                id: heading
+                width: cell.width
+                visible: cell.model.header
+                row: cell.model
+                tasks: tasks
+                onAdd: (status, label) => dialog.openFor(status, label)
+            }
+            TaskListItem {
+                id: task
+                width: cell.width
+                visible: !cell.model.header
+                row: cell.model
+                tasks: tasks
+            }
+        }
+    }
+
+    EmptyState {
+        anchors.centerIn: parent
+        width: Math.min(420, page.width - 64)
+        visible: tasks.loader.state === Loaded.Content && tasks.shown === 0
+        glyph: "list-checks"
+        title: tasks.emptyLine
+        text: tasks.mine || tasks.query.length > 0 ? "" : "Tasks you and your teammates take on show here."
+    }
+    PrimaryButton {
+        objectName: "removeMine"
+        anchors.horizontalCenter: parent.horizontalCenter
+        y: page.height / 2 + 60
+        visible: tasks.loader.state === Loaded.Content && tasks.shown === 0 && tasks.mine
+        quiet: true
+        text: "Remove the filter Only mine"
+        onClicked: tasks.setMine(false)
+    }
+
+    NewTaskDialog {
+        id: dialog
+        model: tasks
+    }
+}

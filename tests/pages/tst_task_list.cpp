@@ -1,0 +1,139 @@
+// The task list against a real kestro-devservice: the demo workspace's
+// tasks in their groups (waiting for the user and waiting for a review
+// together), folding that is remembered, filters that are addresses and
+// are remembered, the empty result's words, and a new task that opens once
+// made.
+
+#include "DevServiceProcess.h"
+#include "DevServiceSession.h"
+
+#include "pages/TaskListPage.h"
+#include "shell/PageCatalog.h"
+#include "shell/Router.h"
+
+#include <QSettings>
+#include <QSignalSpy>
+#include <QStandardPaths>
+#include <QTest>
+
+using namespace Qt::StringLiterals;
+using namespace Kestro;
+
+class TaskListTest : public QObject {
+    Q_OBJECT
+
+    KestroTest::DevServiceProcess m_service{QStringLiteral(DEVSERVICE_PATH)};
+    std::unique_ptr<KestroTest::DevServiceSession> m_session;
+    std::unique_ptr<Router> m_router;
+
+    void load(TaskListPage& page, const QString& path)
+    {
+        page.setRouter(m_router.get());
+        page.setRoute(Route::parse(path));
+        page.start();
+        QTRY_COMPARE_WITH_TIMEOUT(page.loader()->state(), Loaded::State::Content, 10000);
+    }
+    // The rows as "heading:<title>" and task keys, in order.
+    static QStringList rowsOf(const TaskListPage& page)
+    {
+        QStringList rows;
+        for (int row = 0; row < page.rows()->count(); ++row)
+            rows << (page.rows()->valueAt(row, u"header"_s).toBool()
+                         ? u"heading:"_s + page.rows()->valueAt(row, u"groupTitle"_s).toString()
+                         : page.rows()->valueAt(row, u"taskKey"_s).toString());
+        return rows;
+    }
+
+private slots:
+    void initTestCase()
+    {
+        QStandardPaths::setTestModeEnabled(true);
+        QSettings().clear();
+        m_service.start({u"--auto-approve"_s});
+        m_session = std::make_unique<KestroTest::DevServiceSession>(m_service.origin());
+        m_router =
+            std::make_unique<Router>(m_service.origin(), Route::parse(u"/tasks"_s), [](const QUrl&) {});
+    }
+    void cleanupTestCase()
+    {
+        m_session.reset();
+        m_service.stop();
+    }
+
+    void theRouteTableSendsTheListHere()
+    {
+        QCOMPARE(PageCatalog::pageOf(Route::parse(u"/tasks?mine=1"_s)).component,
+                 u"qrc:/Kestro/Pages/TasksPage.qml"_s);
+        // A task's own page is still the service's.
+        QVERIFY(PageCatalog::pageOf(Route::parse(u"/tasks/NOR-1"_s)).kind == PageCatalog::Kind::Web);
+    }
+
+    void groupsFoldsAndFilters()
+    {
+        TaskListPage page;
+        load(page, u"/tasks"_s);
+        QVERIFY(page.canManage());
+        QCOMPARE(rowsOf(page),
+                 (QStringList{u"heading:Needs you"_s, u"NOR-1"_s, u"NOR-6"_s, u"heading:In progress"_s,
+                              u"NOR-4"_s, u"heading:To do"_s, u"NOR-3"_s, u"heading:Backlog"_s, u"NOR-5"_s,
+                              u"heading:Done"_s, u"NOR-2"_s}));
+        const int fixIt = page.rows()->indexOf(page.rows()->keyAt(6));
+        QCOMPARE(page.rows()->valueAt(fixIt, u"assignee"_s).toString(), u"Nobody yet"_s);
+        QCOMPARE(page.rows()->valueAt(fixIt, u"markShape"_s).toString(), u"open"_s);
+        QCOMPARE(page.rows()->valueAt(fixIt, u"href"_s).toString(), u"/tasks/NOR-3"_s);
+
+        // Folded, a group keeps its heading and count; the next list too.
+        QSignalSpy removed(page.rows(), &QAbstractItemModel::rowsRemoved);
+        page.toggleFolded(4);
+        QCOMPARE(rowsOf(page).mid(9), QStringList{u"heading:Done"_s});
+        QCOMPARE(removed.size(), 1);
+        TaskListPage again;
+        load(again, u"/tasks"_s);
+        QVERIFY(!rowsOf(again).contains(u"NOR-2"_s));
+        again.toggleFolded(4);
+        QVERIFY(rowsOf(again).contains(u"NOR-2"_s));
+
+        // Filters are the address, and the last one is kept.
+        page.search(u"  launch "_s);
+        QCOMPARE(m_router->route().text(), u"/tasks?q=launch"_s);
+        TaskListPage found;
+        load(found, u"/tasks?q=launch"_s);
+        QCOMPARE(rowsOf(found), (QStringList{u"heading:Needs you"_s, u"NOR-1"_s}));
+        QCOMPARE(QSettings().value(u"kestro:tasks-address"_s).toString(), u"/tasks?q=launch"_s);
+        found.setMine(true);
+        QCOMPARE(m_router->route().text(), u"/tasks?mine=1&q=launch"_s);
+
+        TaskListPage none;
+        load(none, u"/tasks?mine=1&q=launch"_s);
+        QCOMPARE(none.shown(), 0);
+        QCOMPARE(none.emptyLine(), u"No tasks match."_s);
+    }
+
+    void aNewTaskSaysWhatHappensAndOpens()
+    {
+        TaskListPage page;
+        load(page, u"/tasks"_s);
+        QCOMPARE(page.addStatus(0), u"in_review"_s);
+        QCOMPARE(page.addLabel(2), u"New task in To do"_s);
+        const QVariantList assignees = page.assignees();
+        QCOMPARE(assignees.first().toMap().value(u"label"_s).toString(), u"Nova picks who"_s);
+        QCOMPARE(assignees[1].toMap().value(u"label"_s).toString(), u"Nobody yet"_s);
+        QCOMPARE(page.hint(u"todo"_s, u"lead"_s, u"Nova"_s), u"Nova hands it to the right teammate."_s);
+        QCOMPARE(page.hint(u"todo"_s, u"teammate"_s, u"Quill"_s),
+                 u"Quill starts on it as soon as it's free."_s);
+
+        QVERIFY(!page.create(u"   "_s, {}, u"todo"_s, u"lead"_s, u"nova"_s));
+        QVERIFY(!page.createError().isEmpty());
+        QVERIFY(page.create(u"Write the spring newsletter"_s, u"Three stories."_s, u"todo"_s, u"teammate"_s,
+                            u"quill"_s));
+        QVERIFY(page.creating());
+        QTRY_VERIFY(!page.creating());
+        QCOMPARE(page.createError(), QString());
+        QVERIFY2(m_router->route().text().startsWith(u"/tasks/NOR-"_s), qPrintable(m_router->route().text()));
+        // The list shows it after the reload that followed.
+        QTRY_COMPARE(rowsOf(page).size(), 12);
+    }
+};
+
+QTEST_MAIN(TaskListTest)
+#include "tst_task_list.moc"
