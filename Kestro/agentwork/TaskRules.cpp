@@ -81,7 +81,9 @@ QString newTaskHint(const NewTaskChoice& c)
     }
     switch (c.assignee) {
     case Assignee::Nobody:
-        return QStringLiteral("It waits in To do until someone takes it.");
+        return c.status == QLatin1String("in_progress")
+                   ? QStringLiteral("It shows as in progress, with nobody on it yet.")
+                   : QStringLiteral("It waits in To do until someone takes it.");
     case Assignee::Person:
         return QStringLiteral("It goes on %1's list.").arg(c.assigneeName);
     case Assignee::Teammate:
@@ -114,9 +116,13 @@ double taskCadence(bool running, const QString& lessonsStatus, const QStringList
 
 QString dueWords(const QString& dueAt, const QString& status, const QDateTime& now)
 {
+    // By the day, on this machine's calendar: a task due today is not late
+    // until tomorrow.
     const QDateTime due = QDateTime::fromString(dueAt, Qt::ISODateWithMs);
     const bool open = status != QLatin1String("done") && status != QLatin1String("canceled");
-    return open && due.isValid() && due < now ? QStringLiteral("Past due") : QStringLiteral("Due");
+    return open && due.isValid() && due.toLocalTime().date() < now.toLocalTime().date()
+               ? QStringLiteral("Past due")
+               : QStringLiteral("Due");
 }
 
 } // namespace Kestro::TaskRules

@@ -233,7 +233,7 @@ QVariantList TaskListPage::assignees() const
     return list;
 }
 
-void TaskListPage::openWith(const QString& words, bool onlyMine) const
+void TaskListPage::openWith(const QString& words, bool onlyMine, bool inPlace) const
 {
     QUrlQuery query;
     if (!words.trimmed().isEmpty())
@@ -241,19 +241,40 @@ void TaskListPage::openWith(const QString& words, bool onlyMine) const
     if (onlyMine)
         query.addQueryItem(QStringLiteral("mine"), QStringLiteral("1"));
     const QString rest = query.toString(QUrl::FullyEncoded);
-    open(rest.isEmpty() ? QStringLiteral("/tasks") : QStringLiteral("/tasks?") + rest);
+    const QString path = rest.isEmpty() ? QStringLiteral("/tasks") : QStringLiteral("/tasks?") + rest;
+    if (inPlace)
+        openInPlace(path);
+    else
+        open(path);
+}
+
+void TaskListPage::restoreAddress()
+{
+    if (!route().query.isEmpty())
+        return;
+    const Route last = Route::parse(QSettings().value(addressKey).toString());
+    if (last.segments == route().segments && !last.query.isEmpty())
+        openInPlace(last.text());
+}
+
+void TaskListPage::clearCreateError()
+{
+    if (m_createError.isEmpty())
+        return;
+    m_createError.clear();
+    emit creatingChanged();
 }
 
 void TaskListPage::search(const QString& words)
 {
     if (words.trimmed() != query().trimmed())
-        openWith(words, mine());
+        openWith(words, mine(), true);
 }
 
 void TaskListPage::setMine(bool onlyMine)
 {
     if (onlyMine != mine())
-        openWith(query(), onlyMine);
+        openWith(query(), onlyMine, false);
 }
 
 void TaskListPage::toggleFolded(int group)

@@ -59,10 +59,14 @@ public:
     bool creating() const { return m_creating; }
     QString createError() const { return m_createError; }
 
-    // The filters, as a new address.
+    // The filters, as a new address: typed words replace the current one,
+    // "Only mine" is a place in the history of its own.
     Q_INVOKABLE void search(const QString& words);
     Q_INVOKABLE void setMine(bool mine);
     Q_INVOKABLE void toggleFolded(int group);
+    // "/tasks" with no filters opens with the last ones the user had.
+    Q_INVOKABLE void restoreAddress();
+    Q_INVOKABLE void clearCreateError();
     // The status a task added in a group gets, and the button's words.
     Q_INVOKABLE QString addStatus(int group) const;
     Q_INVOKABLE QString addLabel(int group) const;
@@ -84,7 +88,7 @@ protected:
 
 private:
     QCoro::Task<> runCreate(QJsonObject input);
-    void openWith(const QString& words, bool mine) const;
+    void openWith(const QString& words, bool mine, bool inPlace) const;
     QString leadName() const;
 
     KeyedList<TaskRow>* m_rows;

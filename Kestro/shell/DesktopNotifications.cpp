@@ -30,6 +30,7 @@ QCoro::Task<bool> DesktopNotifications::post(Post post)
     if (!m_bus.isConnected())
         co_return false;
     QPointer<DesktopNotifications> self(this);
+    const quint64 generation = m_generation;
     QVariantMap hints;
     hints.insert(QStringLiteral("urgency"),
                  QVariant::fromValue(uchar(1))); // normal; a byte, or servers drop it
@@ -53,6 +54,15 @@ QCoro::Task<bool> DesktopNotifications::post(Post post)
     }
     m_toldMissing = false;
     const uint serverId = reply.value();
+    if (generation != m_generation) {
+        // Signed out (or moved to another workspace) while it was on its
+        // way: it goes as soon as it came.
+        QDBusMessage close =
+            QDBusMessage::createMethodCall(service, path, interface, QStringLiteral("CloseNotification"));
+        close << serverId;
+        m_bus.asyncCall(close, 10'000);
+        co_return false;
+    }
     m_serverIds.insert(post.id, serverId);
     m_shown.insert(serverId, std::move(post));
     co_return true;
@@ -69,6 +79,7 @@ void DesktopNotifications::closeAll()
     // Forgotten now: a click on one still on its way opens nothing.
     m_shown.clear();
     m_serverIds.clear();
+    ++m_generation;
 }
 
 void DesktopNotifications::onActionInvoked(uint serverId, const QString& action)

@@ -30,6 +30,7 @@ public:
     // Takes down every banner this app still shows (at sign-out, or when
     // the workspace changes: they speak of another workspace's things).
     void closeAll();
+    quint64 generation() const { return m_generation; }
 
 signals:
     void clicked(const QString& id, const QString& href);
@@ -43,6 +44,8 @@ private:
     QHash<QString, uint> m_serverIds; // item id → the server's id for its banner
     QHash<uint, Post> m_shown;        // the server's id → what it shows
     bool m_toldMissing = false;
+    // Bumped by closeAll(): a post that was on its way then is not kept.
+    quint64 m_generation = 0;
 };
 
 } // namespace Kestro

@@ -53,6 +53,7 @@ QCoro::Task<> Notifier::notifyNew()
     if (!self)
         co_return;
     const Fresh fresh = pick(items, since);
+    const quint64 generation = m_desktop.generation();
     if (fresh.latest && *fresh.latest > since)
         QSettings().setValue(QLatin1String(notifiedAtKey), fresh.latest->toUTC().toString(Qt::ISODateWithMs));
     for (const Model::NotificationView& item : fresh.items) {
@@ -61,6 +62,9 @@ QCoro::Task<> Notifier::notifyNew()
         co_await m_desktop.post(std::move(post));
         if (!self)
             co_return;
+        // Signed out or switched meanwhile: the rest are not for now.
+        if (m_desktop.generation() != generation)
+            break;
     }
     m_posting = false;
 }

@@ -56,6 +56,12 @@ void PageModel::open(const QString& path) const
         m_router->open(path);
 }
 
+void PageModel::openInPlace(const QString& path) const
+{
+    if (m_router)
+        m_router->open(path, true);
+}
+
 std::optional<double> PageModel::every(const QVariant&) const
 {
     return std::nullopt;

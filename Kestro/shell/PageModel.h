@@ -58,6 +58,9 @@ protected:
     virtual bool loadsFor(const Route& from, const Route& to) const;
     // After the user changed something: load again now.
     void reloadAfterAction() { m_loader->reload(); }
+    // Moves this page to another address of its own without a new place in
+    // the history (words typed into a filter, say).
+    void openInPlace(const QString& path) const;
 
 private:
     Fetch m_fetch;

@@ -67,6 +67,13 @@ private slots:
         QCOMPARE(statusGroups()[0].addStatus, u"in_review"_s);
         QCOMPARE(groupOf(u"todo"_s), 2);
         QCOMPARE(groupOf(u"someday"_s), -1);
+        // Each status in its own group, and a task added there keeps it.
+        const QList<QPair<const char*, int>> placed{
+            {"in_progress", 1}, {"todo", 2}, {"backlog", 3}, {"done", 4}, {"canceled", 5}};
+        for (const auto& [status, group] : placed) {
+            QCOMPARE(groupOf(QLatin1String(status)), group);
+            QCOMPARE(statusGroups()[group].addStatus, QLatin1String(status));
+        }
         // Every status of the ladder has a group and a mark of its own.
         QSet<QString> shapes;
         for (const char* status :
@@ -94,6 +101,10 @@ private slots:
                                 << u"It goes on Maya's list."_s;
         QTest::newRow("teammate") << choice(u"todo"_s, Assignee::Teammate, u"Quill"_s)
                                   << u"Quill starts on it as soon as it's free."_s;
+        QTest::newRow("in progress, nobody") << choice(u"in_progress"_s, Assignee::Nobody)
+                                             << u"It shows as in progress, with nobody on it yet."_s;
+        QTest::newRow("in progress, a person")
+            << choice(u"in_progress"_s, Assignee::Person, u"Maya"_s) << u"It goes on Maya's list."_s;
         QTest::newRow("the lead") << choice(u"todo"_s, Assignee::Lead)
                                   << u"Nova hands it to the right teammate."_s;
         QTest::newRow("backlog") << choice(u"backlog"_s, Assignee::Teammate, u"Quill"_s)
@@ -135,6 +146,7 @@ private slots:
         QCOMPARE(taskCadence(false, u"running"_s, {}), 3.0);
         QCOMPARE(taskCadence(false, u"done"_s, {u"done"_s, u"queued"_s}), 3.0);
         QCOMPARE(taskCadence(false, u"done"_s, {u"done"_s, u"failed"_s}), 15.0);
+        QCOMPARE(taskCadence(false, {}, {u"working"_s}), 3.0);
     }
 
     void dueDates()
@@ -144,6 +156,11 @@ private slots:
         QCOMPARE(dueWords(u"2026-11-24T12:00:00.000Z"_s, u"done"_s, now), u"Due"_s);
         QCOMPARE(dueWords(u"2026-11-26T12:00:00Z"_s, u"todo"_s, now), u"Due"_s);
         QCOMPARE(dueWords(u"soon"_s, u"todo"_s, now), u"Due"_s);
+        // Due earlier today: not late before the day is over.
+        const QDateTime evening = QDateTime(QDate(2026, 11, 25), QTime(20, 0));
+        QCOMPARE(dueWords(QDateTime(QDate(2026, 11, 25), QTime(9, 0)).toUTC().toString(Qt::ISODate),
+                          u"todo"_s, evening),
+                 u"Due"_s);
     }
 };
 

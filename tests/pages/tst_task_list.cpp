@@ -103,6 +103,16 @@ private slots:
         found.setMine(true);
         QCOMPARE(m_router->route().text(), u"/tasks?mine=1&q=launch"_s);
 
+        // "/tasks" with no filters opens with the last ones, in place.
+        m_router->open(u"/tasks"_s);
+        const bool couldGoBack = m_router->canGoBack();
+        TaskListPage restored;
+        restored.setRouter(m_router.get());
+        restored.setRoute(Route::parse(u"/tasks"_s));
+        restored.restoreAddress();
+        QCOMPARE(m_router->route().text(), u"/tasks?q=launch"_s);
+        QCOMPARE(m_router->canGoBack(), couldGoBack);
+
         TaskListPage none;
         load(none, u"/tasks?mine=1&q=launch"_s);
         QCOMPARE(none.shown(), 0);

@@ -21,6 +21,7 @@ Popup {
 
     function openFor(status, label) {
         heading = label.length > 0 ? label : "New task"
+        model.clearCreateError()
         titleField.clear()
         brief.clear()
         const at = statuses.findIndex(s => s.value === status)
@@ -35,7 +36,8 @@ Popup {
     modal: true
     focus: true
     padding: 20
-    closePolicy: Popup.CloseOnEscape | Popup.CloseOnPressOutside
+    // A stray click beside it keeps the draft: Escape or Cancel close it.
+    closePolicy: Popup.CloseOnEscape
     background: Rectangle { radius: 14; color: Theme.raised; border.color: Theme.border }
 
     Connections {
@@ -76,6 +78,9 @@ Popup {
                 wrapMode: TextEdit.Wrap
                 placeholderText: "Add a brief: the goal, what done looks like, anything to use (optional)"
                 Accessible.name: "Brief"
+                // Tab moves on (a tab in a brief is no use to anybody).
+                KeyNavigation.tab: statusBox
+                KeyNavigation.backtab: titleField
             }
         }
         RowLayout {

@@ -16,8 +16,10 @@ AbstractButton {
     hoverEnabled: true
     focusPolicy: Qt.StrongFocus
     Accessible.role: Accessible.Link
-    Accessible.name: row ? row.taskKey + " " + row.title + ", " + row.assignee
-                           + (row.working.length > 0 ? ", " + row.working : "") : ""
+    Accessible.name: row ? [row.taskKey + " " + row.title, row.groupTitle, row.assignee, row.working, row.due,
+                            row.priority.length > 0 ? row.priority + " priority" : "",
+                            row.progress.length > 0 ? row.progress + " sub-tasks done" : ""]
+                           .filter(part => part.length > 0).join(", ") : ""
     Keys.onReturnPressed: clicked()
     Keys.onEnterPressed: clicked()
     onClicked: tasks.open(row.href)

@@ -11,28 +11,31 @@ import Kestro.Pages
 // foldable groups and new tasks (in a group or on their own).
 Item {
     id: page
-    property alias router: tasks.router
-    property alias route: tasks.route
+    property alias router: listModel.router
+    property alias route: listModel.route
     readonly property string title: "Tasks"
-    readonly property bool loading: tasks.loader.loading && tasks.loader.state !== Loaded.Content
+    readonly property bool loading: listModel.loader.loading && listModel.loader.state !== Loaded.Content
     objectName: "tasksPage"
 
     TaskListModel {
-        id: tasks
-        Component.onCompleted: tasks.start()
+        id: listModel
+        Component.onCompleted: {
+            listModel.restoreAddress()
+            listModel.start()
+        }
     }
 
     Bones {
-        visible: tasks.loader.state === Loaded.Bones
+        visible: listModel.loader.state === Loaded.Bones
         x: 32
         y: 96
         width: page.width - 64
     }
     PageFailure {
         anchors.fill: parent
-        visible: tasks.loader.state === Loaded.Failed
-        message: tasks.loader.error
-        onRetry: tasks.loader.reload()
+        visible: listModel.loader.state === Loaded.Failed
+        message: listModel.loader.error
+        onRetry: listModel.loader.reload()
     }
 
     // The filter bar.
@@ -48,26 +51,34 @@ Item {
             Layout.preferredWidth: 280
             placeholderText: "Search tasks"
             Accessible.name: "Search tasks"
-            text: tasks.query
-            // Typed words become the address after a short pause.
+            // Typed words become the address after a short pause; the field
+            // follows the address only while nobody types in it.
+            Component.onCompleted: text = listModel.query
+            Connections {
+                target: listModel
+                function onRouteChanged() {
+                    if (!searchField.activeFocus)
+                        searchField.text = listModel.query
+                }
+            }
             onTextEdited: typing.restart()
-            onAccepted: tasks.search(text)
+            onAccepted: listModel.search(text)
             Timer {
                 id: typing
                 interval: 300
-                onTriggered: tasks.search(searchField.text)
+                onTriggered: listModel.search(searchField.text)
             }
         }
         PrimaryButton {
             objectName: "onlyMine"
-            quiet: !tasks.mine
+            quiet: !listModel.mine
             text: "Only mine"
-            Accessible.name: tasks.mine ? "Only mine, on" : "Only mine, off"
-            onClicked: tasks.setMine(!tasks.mine)
+            Accessible.name: listModel.mine ? "Only mine, on" : "Only mine, off"
+            onClicked: listModel.setMine(!listModel.mine)
         }
         Text {
-            visible: tasks.loader.state === Loaded.Content
-            text: tasks.shown === 1 ? "1 task" : tasks.shown + " tasks"
+            visible: listModel.loader.state === Loaded.Content
+            text: listModel.shown === 1 ? "1 task" : listModel.shown + " tasks"
             Accessible.role: Accessible.StaticText
             Accessible.name: text
             textFormat: Text.PlainText
@@ -78,7 +89,7 @@ Item {
         Item { Layout.fillWidth: true }
         PrimaryButton {
             objectName: "newTask"
-            visible: tasks.canManage
+            visible: listModel.canManage
             text: "New task"
             onClicked: dialog.openFor("todo", "")
         }
@@ -89,9 +100,9 @@ Item {
         objectName: "taskList"
         anchors.fill: parent
         anchors.topMargin: 72
-        visible: tasks.loader.state === Loaded.Content
+        visible: listModel.loader.state === Loaded.Content
         clip: true
-        model: tasks.rows
+        model: listModel.rows
         boundsBehavior: Flickable.StopAtBounds
         bottomMargin: 40
         ScrollBar.vertical: ScrollBar {}
@@ -111,7 +122,7 @@ Item {
                 width: cell.width
                 visible: cell.model.header
                 row: cell.model
-                tasks: tasks
+                tasks: listModel
                 onAdd: (status, label) => dialog.openFor(status, label)
             }
             TaskListItem {
@@ -119,7 +130,7 @@ Item {
                 width: cell.width
                 visible: !cell.model.header
                 row: cell.model
-                tasks: tasks
+                tasks: listModel
             }
         }
     }
@@ -127,23 +138,23 @@ Item {
     EmptyState {
         anchors.centerIn: parent
         width: Math.min(420, page.width - 64)
-        visible: tasks.loader.state === Loaded.Content && tasks.shown === 0
+        visible: listModel.loader.state === Loaded.Content && listModel.shown === 0
         glyph: "list-checks"
-        title: tasks.emptyLine
-        text: tasks.mine || tasks.query.length > 0 ? "" : "Tasks you and your teammates take on show here."
+        title: listModel.emptyLine
+        text: listModel.mine || listModel.query.length > 0 ? "" : "Tasks you and your teammates take on show here."
     }
     PrimaryButton {
         objectName: "removeMine"
         anchors.horizontalCenter: parent.horizontalCenter
         y: page.height / 2 + 60
-        visible: tasks.loader.state === Loaded.Content && tasks.shown === 0 && tasks.mine
+        visible: listModel.loader.state === Loaded.Content && listModel.shown === 0 && listModel.mine
         quiet: true
         text: "Remove the filter Only mine"
-        onClicked: tasks.setMine(false)
+        onClicked: listModel.setMine(false)
     }
 
     NewTaskDialog {
         id: dialog
-        model: tasks
+        model: listModel
     }
 }
