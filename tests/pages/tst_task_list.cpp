@@ -11,6 +11,9 @@
 #include "shell/PageCatalog.h"
 #include "shell/Router.h"
 
+#include "calls/app.h"
+#include "service/BlockingWait.h"
+
 #include <QSettings>
 #include <QSignalSpy>
 #include <QStandardPaths>
@@ -142,6 +145,17 @@ private slots:
         QVERIFY2(m_router->route().text().startsWith(u"/tasks/NOR-"_s), qPrintable(m_router->route().text()));
         // The list shows it after the reload that followed.
         QTRY_COMPARE(rowsOf(page).size(), 12);
+    }
+
+    // Maya only reads the other workspace: its list has no way to add.
+    void aReaderGetsNoNewTask()
+    {
+        QVERIFY(!blockingWait(Calls::app::switchWorkspaceAction(u"w2"_s)).error);
+        TaskListPage page;
+        load(page, u"/tasks"_s);
+        QVERIFY(!page.canManage());
+        QCOMPARE(page.shown(), 1);
+        QVERIFY(!blockingWait(Calls::app::switchWorkspaceAction(u"w1"_s)).error);
     }
 };
 
