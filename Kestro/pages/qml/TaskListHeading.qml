@@ -11,6 +11,8 @@ Item {
     property var row
     property TaskListModel tasks
     signal add(string status, string label)
+    // The keyboard is on one of its buttons.
+    readonly property bool focused: fold.activeFocus || addButton.activeFocus
 
     implicitHeight: 44
     RowLayout {
@@ -66,6 +68,7 @@ Item {
         }
         Item { Layout.fillWidth: true }
         IconButton {
+            id: addButton
             visible: !!heading.tasks && heading.tasks.canManage
             glyph: "plus"
             tip: heading.row && heading.tasks ? heading.tasks.addLabel(heading.row.group) : "New task"

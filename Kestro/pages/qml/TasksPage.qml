@@ -114,6 +114,7 @@ Item {
         // Qt 6.4 will not load a component bound to this file from a Loader.)
         delegate: Item {
             id: cell
+            required property int index
             required property var model
             width: list.width
             height: cell.model.header ? heading.implicitHeight : task.implicitHeight
@@ -124,6 +125,9 @@ Item {
                 row: cell.model
                 tasks: listModel
                 onAdd: (status, label) => dialog.openFor(status, label)
+                // The keyboard's place stays on screen, and the rows after
+                // it get made.
+                onFocusedChanged: if (focused) list.positionViewAtIndex(cell.index, ListView.Contain)
             }
             TaskListItem {
                 id: task
@@ -131,6 +135,7 @@ Item {
                 visible: !cell.model.header
                 row: cell.model
                 tasks: listModel
+                onActiveFocusChanged: if (activeFocus) list.positionViewAtIndex(cell.index, ListView.Contain)
             }
         }
     }
