@@ -12,6 +12,7 @@ struct TrafficSource {
     QString name;
     QString kind;
     QString iconHost;
+    bool operator==(const TrafficSource&) const = default;
 };
 
 // The known source a referrer host belongs to, in any letter case and with

@@ -61,26 +61,19 @@ QString kindWord(const QString& kind)
     return {};
 }
 
-std::optional<AnalyticsFormat::TrafficSource> sourceOf(const BreakdownRow& row)
-{
-    if (row.dimension != QLatin1String("referrers"))
-        return std::nullopt;
-    return AnalyticsFormat::trafficSource(hostOf(row.of.value));
-}
-
 QString labelOf(const BreakdownRow& row)
 {
     if (row.of.label && !row.of.label->isEmpty())
         return *row.of.label;
-    if (const auto source = sourceOf(row))
-        return source->name;
+    if (row.source)
+        return row.source->name;
     return AnalyticsFormat::displayLabel(row.dimension, row.of.value);
 }
 
 // A known source's row names the source; its host goes beside it.
 QString detailOf(const BreakdownRow& row)
 {
-    if (!sourceOf(row))
+    if (!row.source)
         return {};
     return AnalyticsFormat::displayLabel(row.dimension, row.of.value);
 }
@@ -92,12 +85,8 @@ KeyedList<BreakdownRow>* breakdownList(QObject* parent)
         {{"label", [](const BreakdownRow& r) { return QVariant(labelOf(r)); }},
          {"detail", [](const BreakdownRow& r) { return QVariant(detailOf(r)); }},
          {"kind",
-          [](const BreakdownRow& r) {
-              const auto source = sourceOf(r);
-              return QVariant(source ? kindWord(source->kind) : QString());
-          }},
-         {"icon",
-          [](const BreakdownRow& r) { return QVariant(AnalyticsPage::iconOf(r.dimension, r.of.value)); }},
+          [](const BreakdownRow& r) { return QVariant(r.source ? kindWord(r.source->kind) : QString()); }},
+         {"icon", [](const BreakdownRow& r) { return QVariant(r.icon); }},
          {"visitors", [](const BreakdownRow& r) { return QVariant(AnalyticsNumbers::count(r.of.visitors)); }},
          {"share", [](const BreakdownRow& r) { return QVariant(std::clamp(r.of.share, 0.0, 1.0)); }},
          {"shareText",
@@ -239,6 +228,9 @@ QList<BreakdownRow> AnalyticsPage::rowsOf(const QString& dimension,
         at.insert(value, out.size());
         BreakdownRow added{dimension, row};
         added.of.value = value;
+        if (dimension == QLatin1String("referrers"))
+            added.source = AnalyticsFormat::trafficSource(hostOf(value));
+        added.icon = iconOf(dimension, value);
         out.append(std::move(added));
     }
     return out;

@@ -3,6 +3,8 @@
 #include "shell/KeyedListModel.h"
 #include "shell/PageModel.h"
 
+#include "analytics/AnalyticsFormat.h"
+
 #include "calls/analytics.h"
 #include "calls/app.h"
 
@@ -38,6 +40,9 @@ struct AnalyticsRange {
 struct BreakdownRow {
     QString dimension;
     Calls::app::AnalyticsBreakdownActionResultRow of;
+    // Worked out once when the row is made (the views read them often).
+    std::optional<AnalyticsFormat::TrafficSource> source; // referrers only
+    QString icon;
     bool operator==(const BreakdownRow&) const = default;
 };
 

@@ -170,8 +170,10 @@ void TaskListPage::apply(const QVariant& value)
 {
     m_result = value.value<Calls::tasks::TasksResult>();
     m_rows->apply(rowsOf(m_result.tasks, foldedGroups()));
-    // The last filters, for the next time the list opens.
-    QSettings().setValue(addressKey, route().text());
+    // The last filters, for the next time the list opens (written when
+    // they change, not at every timed reload).
+    if (route().text() != std::exchange(m_savedAddress, route().text()))
+        QSettings().setValue(addressKey, m_savedAddress);
     emit answered();
 }
 

@@ -93,6 +93,7 @@ private:
 
     KeyedList<TaskRow>* m_rows;
     Calls::tasks::TasksResult m_result;
+    QString m_savedAddress;
     bool m_creating = false;
     QString m_createError;
 };

@@ -57,10 +57,7 @@ QCoro::Task<bool> DesktopNotifications::post(Post post)
     if (generation != m_generation) {
         // Signed out (or moved to another workspace) while it was on its
         // way: it goes as soon as it came.
-        QDBusMessage close =
-            QDBusMessage::createMethodCall(service, path, interface, QStringLiteral("CloseNotification"));
-        close << serverId;
-        m_bus.asyncCall(close, 10'000);
+        close(serverId);
         co_return false;
     }
     m_serverIds.insert(post.id, serverId);
@@ -68,14 +65,18 @@ QCoro::Task<bool> DesktopNotifications::post(Post post)
     co_return true;
 }
 
+void DesktopNotifications::close(uint serverId)
+{
+    QDBusMessage call =
+        QDBusMessage::createMethodCall(service, path, interface, QStringLiteral("CloseNotification"));
+    call << serverId;
+    m_bus.asyncCall(call, 10'000);
+}
+
 void DesktopNotifications::closeAll()
 {
-    for (const uint serverId : m_shown.keys()) {
-        QDBusMessage call =
-            QDBusMessage::createMethodCall(service, path, interface, QStringLiteral("CloseNotification"));
-        call << serverId;
-        m_bus.asyncCall(call, 10'000);
-    }
+    for (const uint serverId : m_shown.keys())
+        close(serverId);
     // Forgotten now: a click on one still on its way opens nothing.
     m_shown.clear();
     m_serverIds.clear();

@@ -40,6 +40,8 @@ private slots:
     void onClosed(uint serverId, uint reason);
 
 private:
+    void close(uint serverId);
+
     QDBusConnection m_bus;
     QHash<QString, uint> m_serverIds; // item id → the server's id for its banner
     QHash<uint, Post> m_shown;        // the server's id → what it shows

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QObject>
+#include <QPointer>
 #include <QtQml/qqmlregistration.h>
 
 namespace Kestro {
@@ -14,19 +15,21 @@ namespace Kestro {
 // theme blends from light to dark or back (a second or so). KESTRO_SKY_FPS
 // sets the rate by hand ("0": the display's rate, "still", or frames a
 // second), for measuring and for screenshots.
+//
+// The renderer is asked once, of the window's own context on its render
+// thread the first time a sky draws (asking a context of our own took 9 ms
+// of the start-up on llvmpipe). Until it answers the sky is calm.
 class SkyPolicy : public QObject {
     Q_OBJECT
     QML_ELEMENT
     QML_SINGLETON
-    Q_PROPERTY(bool software READ software CONSTANT)
     Q_PROPERTY(bool still READ still CONSTANT)
-    Q_PROPERTY(bool calm READ calm CONSTANT)
+    Q_PROPERTY(bool calm READ calm NOTIFY calmChanged)
     Q_PROPERTY(int framesPerSecond READ framesPerSecond CONSTANT)
 
 public:
     explicit SkyPolicy(QObject* parent = nullptr);
 
-    bool software() const { return m_software; }
     bool still() const { return m_still; }
     bool calm() const { return m_calm; }
     int framesPerSecond() const { return m_framesPerSecond; }
@@ -34,10 +37,20 @@ public:
     // Whether an OpenGL renderer's name is one that draws on the processor.
     static bool isSoftwareRenderer(const QByteArray& name);
 
+    // Asks the window's renderer, once for the app (a sky calls it as it
+    // appears).
+    Q_INVOKABLE void learnFrom(QObject* window);
+
+signals:
+    void calmChanged();
+
 private:
-    bool m_software = false;
+    void setCalm(bool calm);
+
+    bool m_asked = false;
+    bool m_chosen = false; // by KESTRO_SKY_FPS
     bool m_still = false;
-    bool m_calm = false;
+    bool m_calm = true;
     int m_framesPerSecond = 0;
 };
 

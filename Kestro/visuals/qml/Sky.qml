@@ -15,4 +15,7 @@ SkySurface {
     framesPerSecond: SkyPolicy.framesPerSecond
     stopped: Window.visibility === Window.Minimized || Window.visibility === Window.Hidden
              || (SkyPolicy.calm && !sky.view.blending)
+    // The first sky in a window asks what draws it.
+    readonly property var host: Window.window
+    onHostChanged: SkyPolicy.learnFrom(host)
 }
