@@ -1,5 +1,7 @@
 #include "AnalyticsNumbers.h"
 
+#include "agentwork/Duration.h"
+
 #include <QLocale>
 
 #include <cmath>
@@ -34,19 +36,11 @@ QString count(double value)
 
 QString duration(double seconds)
 {
-    if (!std::isfinite(seconds) || seconds < 0)
-        seconds = 0;
-    const qint64 total = std::llround(seconds);
-    if (total < 60)
-        return QStringLiteral("%1 s").arg(total);
-    if (total < 3600) {
-        const qint64 s = total % 60;
-        return s ? QStringLiteral("%1 min %2 s").arg(total / 60).arg(s)
-                 : QStringLiteral("%1 min").arg(total / 60);
-    }
-    const qint64 minutes = (total % 3600) / 60;
-    return minutes ? QStringLiteral("%1 h %2 min").arg(total / 3600).arg(minutes)
-                   : QStringLiteral("%1 h").arg(total / 3600);
+    // The app's one wording of a length of time; a site with no visits
+    // has none at all.
+    if (!std::isfinite(seconds) || seconds <= 0)
+        return QStringLiteral("0 s");
+    return durationText(seconds);
 }
 
 QString percent(double ratio)

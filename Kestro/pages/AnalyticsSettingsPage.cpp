@@ -29,7 +29,7 @@ QCoro::Task<QVariant> AnalyticsSettingsPage::fetch(Route route)
         // Without a site named, the first one's.
         const Calls::analytics::SitesResult sites = co_await Calls::analytics::sites();
         if (sites.sites.isEmpty())
-            throw std::runtime_error("This workspace has no site to set up yet.");
+            throw std::runtime_error("This workspace has no site to set up yet");
         siteId = sites.sites.first().siteId;
     }
     Arg site{JSONValue(siteId)};

@@ -3,7 +3,7 @@ import Kestro.Visuals
 
 // The sky's drawing: one shader over the whole item, drawn into a layer at
 // about a third of its size and scaled up (the clouds are soft, so nobody
-// sees the difference, and the shader runs on a ninth of the pixels). Where
+// sees the difference, and the shader runs on an eighth of the pixels). Where
 // the shader cannot be built, nothing draws and the page's own ground shows.
 Item {
     id: surface
