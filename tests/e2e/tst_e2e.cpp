@@ -376,6 +376,21 @@ private slots:
         QVERIFY(!m_app->router().canGoForward());
     }
 
+    void createsATaskFromTheList()
+    {
+        // The native list, its New task button and the dialog, all through
+        // the X server.
+        QTRY_VERIFY_WITH_TIMEOUT(showing(u"taskList"_s), 10000);
+        xclick(u"newTask"_s);
+        QTRY_VERIFY(find(u"newTaskDialog"_s)->property("opened").toBool());
+        QTRY_VERIFY(typingGoesTo(u"newTaskTitle"_s));
+        xdo({u"type"_s, u"--delay"_s, u"20"_s, u"Write the spring newsletter"_s});
+        shoot(u"new-task"_s);
+        xdo({u"key"_s, u"Return"_s});
+        QTRY_VERIFY_WITH_TIMEOUT(route().startsWith(u"/tasks/NOR-"_s), 10000);
+        QVERIFY(!find(u"newTaskDialog"_s) || !find(u"newTaskDialog"_s)->property("opened").toBool());
+    }
+
     void reachesThePlacesFromAnyKeyboard()
     {
         // Ctrl+Shift and the top-row digit, on the physical key: German
