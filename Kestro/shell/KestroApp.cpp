@@ -3,6 +3,7 @@
 #include "AppModel.h"
 #include "Appearance.h"
 #include "BellModel.h"
+#include "DesktopExtras.h"
 #include "DesktopNotifications.h"
 #include "Fonts.h"
 #include "IconProvider.h"
@@ -100,12 +101,17 @@ KestroApp::KestroApp(QObject* parent) : QObject(parent)
         *m_notifications, Notifier::Hooks{[this](const QString& path) { m_app->openAppPath(path); },
                                           [this](const QString& id) { m_bell->markRead(id); }});
     m_palette = std::make_unique<PaletteModel>();
+    m_desktop = std::make_unique<DesktopExtras>(
+        *m_badge, DesktopExtras::Hooks{[this] { openPalette(); },
+                                       [this](const QString& path) { m_app->openAppPath(path); },
+                                       [this] { raise(); }, [] { QCoreApplication::quit(); },
+                                       [](const QUrl& url) { QDesktopServices::openUrl(url); }});
 
     AppModel::Desktop desktop;
     WebAuthSession* session = m_authSession.get();
     desktop.authenticate = [session](QUrl authorize) { return session->authenticate(std::move(authorize)); };
     desktop.clearWebSession = [this] { m_webViews->clearSession(); };
-    desktop.clearBadge = [this] { m_badge->setCount(0); };
+    desktop.clearBadge = [this] { m_desktop->setUnread(0); };
     m_app = std::make_unique<AppModel>(client, *m_router, std::move(desktop));
     m_webViews = std::make_unique<WebViews>(client.origin(), client.auth(), *m_app, *m_appearance);
 
@@ -122,11 +128,15 @@ KestroApp::KestroApp(QObject* parent) : QObject(parent)
     // it goes); every frame brings the unread count along.
     connect(m_app.get(), &AppModel::phaseChanged, this, [this] {
         const bool signedIn = m_app->phase() == AppModel::Phase::SignedIn;
-        if (signedIn)
+        if (signedIn) {
             m_notifier->start();
-        else
+            m_desktop->signedIn();
+        } else {
             m_notifications->closeAll();
+        }
         m_bell->setActive(signedIn);
+        if (signedIn && std::exchange(m_paletteWaits, false))
+            m_shell->setPaletteOpen(true);
     });
     // After each poll of the count, the desktop hears what is new; the
     // launcher shows the count the bell shows.
@@ -136,7 +146,7 @@ KestroApp::KestroApp(QObject* parent) : QObject(parent)
     });
     connect(m_bell.get(), &BellModel::unreadChanged, this, [this] {
         if (m_bell->isActive())
-            m_badge->setCount(m_bell->unread());
+            m_desktop->setUnread(m_bell->unread());
     });
     connect(m_notifier.get(), &Notifier::raiseRequested, this, &KestroApp::raise);
     connect(m_app.get(), &AppModel::frameChanged, this, [this] {
@@ -229,6 +239,17 @@ void KestroApp::exitWhenReady()
     });
 }
 
+void KestroApp::openPalette()
+{
+    raise();
+    // Asked for before the frame is there (a launch with --palette): it
+    // opens with the frame.
+    if (m_app->phase() == AppModel::Phase::SignedIn)
+        m_shell->setPaletteOpen(true);
+    else
+        m_paletteWaits = true;
+}
+
 void KestroApp::raise()
 {
     if (QQuickWindow* w = window()) {
@@ -255,6 +276,11 @@ int KestroApp::main(int argc, char** argv)
         QStringLiteral("Use the Kestro service at URL for this run (nothing is written to the settings)."),
         QStringLiteral("URL"));
     parser.addOption(originOption);
+    const QCommandLineOption paletteOption(
+        QStringLiteral("palette"),
+        QStringLiteral("Bring Kestro forward with its command palette open (bind this to a key where "
+                       "Ctrl+Alt+K is not available)."));
+    parser.addOption(paletteOption);
     parser.addPositionalArgument(QStringLiteral("url"), QStringLiteral("kestro: addresses to open."),
                                  QStringLiteral("[url...]"));
     if (!parser.parse(arguments)) {
@@ -296,14 +322,15 @@ int KestroApp::main(int argc, char** argv)
     // sign-in comes back through a plain "kestro <address>" launch, which
     // must reach the window that waits for it.
     SingleInstance instance(SingleInstance::defaultName());
-    if (instance.handOff(urls))
+    const bool palette = parser.isSet(paletteOption);
+    if (instance.handOff(urls, palette))
         return 0;
     if (!instance.listen()) {
         // Another launch holds the lock and is still starting: its socket
         // answers in a moment.
         for (int attempt = 0; attempt < 10; ++attempt) {
             QThread::msleep(200);
-            if (instance.handOff(urls))
+            if (instance.handOff(urls, palette))
                 return 0;
         }
     }
@@ -312,12 +339,15 @@ int KestroApp::main(int argc, char** argv)
 
     KestroApp app;
     QObject::connect(&instance, &SingleInstance::received, &app, &KestroApp::openUrl);
+    QObject::connect(&instance, &SingleInstance::paletteRequested, &app, &KestroApp::openPalette);
     if (!app.show())
         return 1;
     if (qEnvironmentVariableIsSet("KESTRO_EXIT_WHEN_READY"))
         app.exitWhenReady();
     for (const QUrl& url : urls)
         app.openUrl(url);
+    if (palette)
+        app.openPalette();
     return application.exec();
 }
 

@@ -15,6 +15,7 @@ namespace Kestro {
 class AppModel;
 class Appearance;
 class BellModel;
+class DesktopExtras;
 class DesktopNotifications;
 class LauncherBadge;
 class Notifier;
@@ -50,6 +51,9 @@ public:
     // Prints "ready <resident kB>" and quits once the signed-in frame is
     // drawn (KESTRO_EXIT_WHEN_READY, for the start-up benchmark).
     void exitWhenReady();
+    // Brings the window forward with the command palette open (the global
+    // key, `kestro --palette`).
+    void openPalette();
 
     AppModel& app() const { return *m_app; }
     Router& router() const { return *m_router; }
@@ -58,6 +62,7 @@ public:
     PageCatalog& pages() const { return *m_pages; }
     BellModel& bell() const { return *m_bell; }
     LauncherBadge& badge() const { return *m_badge; }
+    DesktopExtras& desktop() const { return *m_desktop; }
     PaletteModel& palette() const { return *m_palette; }
     WebAuthSession& authSession() const { return *m_authSession; }
     WebViews& webViews() const { return *m_webViews; }
@@ -76,6 +81,8 @@ private:
     std::unique_ptr<DesktopNotifications> m_notifications;
     std::unique_ptr<LauncherBadge> m_badge;
     std::unique_ptr<Notifier> m_notifier;
+    std::unique_ptr<DesktopExtras> m_desktop;
+    bool m_paletteWaits = false;
     QString m_workspace; // the frame's, to tell a switch
     std::unique_ptr<PaletteModel> m_palette;
     std::unique_ptr<WebAuthSession> m_authSession;

@@ -1,21 +1,79 @@
 #include "LauncherBadge.h"
 
+#include <QDBusConnectionInterface>
 #include <QDBusMessage>
+#include <QDBusPendingCallWatcher>
+#include <QDBusPendingReply>
 #include <QDBusServiceWatcher>
 
 namespace Kestro {
+
+namespace {
+
+// Owners of these names show a launcher count themselves.
+const QStringList dockNames{QStringLiteral("com.canonical.Unity"), QStringLiteral("org.kde.plasmashell"),
+                            QStringLiteral("net.launchpad.plank")};
+// GNOME Shell shows none without one of these extensions.
+const QStringList gnomeDocks{QStringLiteral("dash-to-dock@micxgx.gmail.com"),
+                             QStringLiteral("ubuntu-dock@ubuntu.com")};
+constexpr double gnomeExtensionEnabled = 1;
+
+} // namespace
 
 LauncherBadge::LauncherBadge(QDBusConnection bus, QObject* parent) : QObject(parent), m_bus(std::move(bus))
 {
     if (!m_bus.isConnected())
         return;
-    // Unity, and the docks that take its place, own this name.
-    m_docks = new QDBusServiceWatcher(QStringLiteral("com.canonical.Unity"), m_bus,
-                                      QDBusServiceWatcher::WatchForRegistration, this);
+    m_docks = new QDBusServiceWatcher(this);
+    m_docks->setConnection(m_bus);
+    m_docks->setWatchedServices(dockNames + QStringList{QStringLiteral("org.gnome.Shell")});
     connect(m_docks, &QDBusServiceWatcher::serviceRegistered, this, [this] {
         if (m_count > 0)
             send();
+        lookForDocks();
     });
+    connect(m_docks, &QDBusServiceWatcher::serviceUnregistered, this, &LauncherBadge::lookForDocks);
+    lookForDocks();
+}
+
+void LauncherBadge::lookForDocks()
+{
+    QDBusConnectionInterface* bus = m_bus.interface();
+    if (!bus)
+        return;
+    for (const QString& name : dockNames) {
+        if (bus->isServiceRegistered(name)) {
+            setShown(true);
+            return;
+        }
+    }
+    if (!bus->isServiceRegistered(QStringLiteral("org.gnome.Shell"))) {
+        setShown(false);
+        return;
+    }
+    for (const QString& uuid : gnomeDocks) {
+        QDBusMessage info = QDBusMessage::createMethodCall(
+            QStringLiteral("org.gnome.Shell"), QStringLiteral("/org/gnome/Shell"),
+            QStringLiteral("org.gnome.Shell.Extensions"), QStringLiteral("GetExtensionInfo"));
+        info << uuid;
+        auto* call = new QDBusPendingCallWatcher(m_bus.asyncCall(info), this);
+        connect(call, &QDBusPendingCallWatcher::finished, this, [this](QDBusPendingCallWatcher* call) {
+            call->deleteLater();
+            const QDBusPendingReply<QVariantMap> reply = *call;
+            if (!reply.isError() &&
+                reply.value().value(QStringLiteral("state")).toDouble() == gnomeExtensionEnabled)
+                setShown(true);
+        });
+    }
+    setShown(false);
+}
+
+void LauncherBadge::setShown(bool shown)
+{
+    if (shown == m_shown)
+        return;
+    m_shown = shown;
+    emit shownChanged();
 }
 
 void LauncherBadge::setCount(int count)

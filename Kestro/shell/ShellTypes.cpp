@@ -49,4 +49,9 @@ WebViews* webViews()
     return &current().webViews();
 }
 
+DesktopExtras* desktop()
+{
+    return &current().desktop();
+}
+
 } // namespace Kestro::ShellTypes

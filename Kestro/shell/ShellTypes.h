@@ -8,10 +8,12 @@
 #include "AppModel.h"
 #include "Appearance.h"
 #include "BellModel.h"
+#include "DesktopExtras.h"
 #include "PageCatalog.h"
 #include "PaletteModel.h"
 #include "Router.h"
 #include "ShellState.h"
+#include "Updates.h"
 #include "WebAuthSession.h"
 #include "WebViews.h"
 
@@ -35,6 +37,7 @@ BellModel* bell();
 PaletteModel* commands();
 WebAuthSession* authSession();
 WebViews* webViews();
+DesktopExtras* desktop();
 
 struct AppSingleton {
     Q_GADGET
@@ -99,6 +102,20 @@ struct WebViewsSingleton {
     QML_SINGLETON
 public:
     static WebViews* create(QQmlEngine*, QJSEngine*) { return handOver(webViews()); }
+};
+struct DesktopSingleton {
+    Q_GADGET
+    QML_FOREIGN(Kestro::DesktopExtras)
+    QML_NAMED_ELEMENT(Desktop)
+    QML_SINGLETON
+public:
+    static DesktopExtras* create(QQmlEngine*, QJSEngine*) { return handOver(desktop()); }
+};
+struct UpdatesType {
+    Q_GADGET
+    QML_FOREIGN(Kestro::Updates)
+    QML_NAMED_ELEMENT(Updates)
+    QML_UNCREATABLE("Updates belong to the desktop.")
 };
 struct WebBridgeType {
     Q_GADGET

@@ -75,7 +75,9 @@ void SingleInstance::serve(QLocalSocket* socket)
                 socket->abort(); // longer than any address a launch hands over
                 return;
             }
-            if (const std::optional<QUrl> url = readHandOffLine(line))
+            if (line.trimmed() == paletteHandOffLine)
+                emit paletteRequested();
+            else if (const std::optional<QUrl> url = readHandOffLine(line))
                 emit received(*url);
         }
         if (socket->bytesAvailable() > handOffLineLimit)
@@ -99,7 +101,7 @@ QString SingleInstance::socketName() const
 #endif
 }
 
-bool SingleInstance::handOff(const QList<QUrl>& urls)
+bool SingleInstance::handOff(const QList<QUrl>& urls, bool palette)
 {
     QLocalSocket socket;
     socket.connectToServer(socketName());
@@ -108,7 +110,9 @@ bool SingleInstance::handOff(const QList<QUrl>& urls)
     QByteArray message;
     for (const QUrl& url : urls)
         message += url.toEncoded() + '\n';
-    if (urls.isEmpty())
+    if (palette)
+        message += QByteArray(paletteHandOffLine) + '\n';
+    else if (urls.isEmpty())
         message = "\n";
     socket.write(message);
     socket.waitForBytesWritten(1000);

@@ -22,8 +22,9 @@ public:
     explicit SingleInstance(QString name, QObject* parent = nullptr);
     ~SingleInstance() override;
 
-    // True when another instance took `urls` (this process should exit).
-    bool handOff(const QList<QUrl>& urls);
+    // True when another instance took `urls`, and with `palette` the wish
+    // for its command palette (this process should exit).
+    bool handOff(const QList<QUrl>& urls, bool palette = false);
     // Takes the lock and starts answering later launches; false when
     // another instance holds it or the socket could not be made (the app
     // then runs on its own).
@@ -39,6 +40,8 @@ public:
 signals:
     // A later launch's address; an empty URL means "just come to the front".
     void received(const QUrl& url);
+    // A later launch asked for the command palette (`kestro --palette`).
+    void paletteRequested();
 
 private:
     QString socketName() const;

@@ -172,24 +172,43 @@ void installPages(httplib::Server& server, Service& service)
     server.Get("/api/flags/(.+)", [](const httplib::Request& r, httplib::Response& response) {
         response.set_content(flagSvg(r.matches[1]), "image/svg+xml");
     });
+    // The update feed: the release this build is, and a newer one, so the
+    // desktop's "Check for Updates…" has something to offer.
     server.Get("/appcast.xml", [&service](const httplib::Request&, httplib::Response& response) {
         const std::string base =
             "http://" + service.options.host + ":" + std::to_string(service.options.port);
+        auto item = [&base](const std::string& version, const std::string& date, const std::string& notes) {
+            return "<item><title>Kestro " + version + "</title><pubDate>" + date + "</pubDate>" + "<link>" +
+                   base + "/download</link>" + "<sparkle:version>" + version +
+                   "</sparkle:version><sparkle:shortVersionString>" + version +
+                   "</sparkle:shortVersionString>" +
+                   "<sparkle:minimumSystemVersion>11</sparkle:minimumSystemVersion>" +
+                   "<description><![CDATA[" + notes + "]]></description>" + "<enclosure url=\"" + base +
+                   "/downloads/kestro-" + version +
+                   ".tar.gz\" length=\"0\" type=\"application/octet-stream\"" + " sparkle:version=\"" +
+                   version + "\"/></item>";
+        };
         response.set_content(
             "<?xml version=\"1.0\" encoding=\"utf-8\"?>\n"
             "<rss version=\"2.0\" xmlns:sparkle=\"http://www.andymatuschak.org/xml-namespaces/sparkle\">"
             "<channel><title>Kestro desktop</title><link>" +
-                base +
-                "/appcast.xml</link>"
-                "<item><title>Kestro 0.1.0</title><pubDate>Sat, 21 Nov 2026 12:00:00 +0000</pubDate>"
-                "<sparkle:version>0.1.0</sparkle:version><sparkle:shortVersionString>0.1.0</"
-                "sparkle:shortVersionString>"
-                "<description>The first build of Kestro desktop.</description>"
-                "<enclosure url=\"" +
-                base +
-                "/downloads/kestro-0.1.0.tar.gz\" length=\"0\" type=\"application/octet-stream\""
-                " sparkle:version=\"0.1.0\"/></item></channel></rss>\n",
+                base + "/appcast.xml</link>" +
+                item("0.2.0", "Tue, 24 Nov 2026 12:00:00 +0000",
+                     "<p>Tasks move on a board: drag a card to change its status.</p>"
+                     "<p>The tray shows your unread count.</p>") +
+                item("0.1.0", "Sat, 21 Nov 2026 12:00:00 +0000",
+                     "<p>The first build of Kestro desktop.</p>") +
+                "</channel></rss>\n",
             "application/rss+xml");
+    });
+    server.Get("/download", [](const httplib::Request&, httplib::Response& response) {
+        response.set_content(
+            page("Download Kestro",
+                 "<main class=\"card\"><h1>Kestro desktop 0.2.0</h1><p>Tasks move on a "
+                 "board, and the tray shows your unread count.</p><p class=\"muted\">Install "
+                 "it from your distribution, or unpack the archive and run "
+                 "<code>kestro</code>.</p></main>"),
+            "text/html; charset=utf-8");
     });
     server.Get(
         "/setup/(business|launch)", [&service](const httplib::Request& r, httplib::Response& response) {

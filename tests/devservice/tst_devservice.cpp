@@ -658,7 +658,8 @@ private slots:
         QVERIFY(service.get(u"/api/flags/DE"_s).body.startsWith("<svg"));
         const Reply feed = service.get(u"/appcast.xml"_s);
         QCOMPARE(feed.status, 200);
-        QVERIFY(feed.body.contains("<enclosure") && feed.body.contains("sparkle:version=\"0.1.0\""));
+        QVERIFY(feed.body.contains("<enclosure") && feed.body.contains("sparkle:version=\"0.2.0\""));
+        QCOMPARE(service.get(u"/download"_s).status, 200);
     }
 
     // The demo room has weeks behind it: hundreds of messages, oldest first,

@@ -273,6 +273,11 @@ private slots:
         QVERIFY(second.handOff({}));
         QTRY_COMPARE(received.count(), 3);
         QVERIFY(received.at(2).at(0).toUrl().isEmpty());
+        // `kestro --palette`: the palette, and no link besides.
+        QSignalSpy palette(&first, &SingleInstance::paletteRequested);
+        QVERIFY(second.handOff({}, true));
+        QTRY_COMPARE(palette.count(), 1);
+        QCOMPARE(received.count(), 3);
 
         // One serves: the lock keeps a third from taking the socket over.
         SingleInstance third(name);

@@ -52,6 +52,8 @@ Rectangle {
     AppMenu {
         id: menu
         onQuitRequested: frame.quitRequested()
+        onHotKeyHelpRequested: hotKeyHelp.open()
     }
+    HotKeyHelp { id: hotKeyHelp }
     PalettePopup {}
 }

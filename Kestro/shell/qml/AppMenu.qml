@@ -11,6 +11,7 @@ Menu {
     id: root
     objectName: "appMenu"
     signal quitRequested()
+    signal hotKeyHelpRequested()
     // The frame as a plain JavaScript object: a QVariantMap's keys are
     // unknown to the type checks.
     readonly property var frame: App.frame
@@ -67,6 +68,20 @@ Menu {
     }
     Line {}
     MenuRow { text: "Search"; glyph: "search"; chord: "Ctrl+K"; onTriggered: Shell.paletteOpen = true }
+    // The global key, or (where the desktop gave none) how to make one.
+    MenuRow {
+        objectName: "hotKeyItem"
+        text: Desktop.hotKey.length > 0 ? "Search from anywhere" : "Set a key to open Kestro…"
+        glyph: "command"
+        chord: Desktop.hotKey
+        enabled: Desktop.hotKeySettled
+        onTriggered: {
+            if (Desktop.hotKey.length > 0)
+                Shell.paletteOpen = true
+            else
+                root.hotKeyHelpRequested()
+        }
+    }
     MenuRow { text: "Back"; glyph: "chevron-left"; chord: "Ctrl+["; enabled: App.router.canGoBack; onTriggered: App.router.goBack() }
     MenuRow { text: "Forward"; glyph: "chevron-right"; chord: "Ctrl+]"; enabled: App.router.canGoForward; onTriggered: App.router.goForward() }
     MenuRow {
@@ -140,6 +155,18 @@ Menu {
         }
     }
     Line {}
+    Instantiator {
+        model: Desktop.updates.enabled ? 1 : 0
+        delegate: MenuRow {
+            objectName: "checkForUpdatesItem"
+            text: Desktop.updates.checking ? "Checking for Updates…" : "Check for Updates…"
+            glyph: "refresh-cw"
+            enabled: !Desktop.updates.checking
+            onTriggered: Desktop.updates.checkNow()
+        }
+        onObjectAdded: (index, object) => root.insertItem(root.count - 2, object)
+        onObjectRemoved: (index, object) => root.removeItem(object)
+    }
     MenuRow { objectName: "signOutItem"; text: "Sign Out"; glyph: "log-out"; onTriggered: App.signOut() }
     MenuRow { text: "Quit Kestro"; glyph: "x"; chord: "Ctrl+Q"; onTriggered: root.quitRequested() }
 }

@@ -13,10 +13,11 @@ ApplicationWindow {
     minimumWidth: 720
     minimumHeight: 480
     visible: true
-    // The unread count leads, as mail and chat windows show it, so the
-    // task bar shows it even where no dock reads the launcher's badge.
+    // Where no launcher or tray shows the unread count, it leads the
+    // title, as mail and chat windows show it, so the task bar has it.
     title: App.phase === App.SignedIn && signedInFrame && signedInFrame.title
-           ? (Bell.unread > 0 ? "(" + Bell.unread + ") " : "") + signedInFrame.title + " · Kestro"
+           ? (Bell.unread > 0 && !Desktop.countShownElsewhere ? "(" + Bell.unread + ") " : "")
+             + signedInFrame.title + " · Kestro"
            : "Kestro"
     color: Theme.ground
     font.family: Theme.sans
@@ -64,6 +65,7 @@ ApplicationWindow {
     }
 
     AuthSheet {}
+    UpdateDialog {}
 
     // The menu commands. Shift+digit arrives as the shifted character on
     // most layouts, so both spellings are listened for.
