@@ -110,14 +110,20 @@ QCoro::Task<> Updates::check(bool asked)
     }
     QSettings().setValue(checkedAtKey, m_clock().toUTC().toString(Qt::ISODateWithMs));
     m_offer = newestUpdate(*releases, m_current, m_system);
-    if (m_offer)
-        show(QStringLiteral("Kestro %1 is available.").arg(m_offer->displayVersion()),
-             QStringLiteral("You have Kestro %1. Its download page opens in your browser.").arg(m_current));
+    if (m_offer && asked)
+        showOffer();
     else if (asked)
         show(QStringLiteral("You're up to date."),
              QStringLiteral("Kestro %1 is the newest version available.").arg(m_current));
     else
         emit changed();
+}
+
+void Updates::showOffer()
+{
+    if (m_offer)
+        show(QStringLiteral("Kestro %1 is available.").arg(m_offer->displayVersion()),
+             QStringLiteral("You have Kestro %1. Its download page opens in your browser.").arg(m_current));
 }
 
 void Updates::show(QString heading, QString detail)
@@ -132,14 +138,15 @@ void Updates::openDownloadPage()
 {
     if (m_offer && m_opener)
         m_opener(m_offer->downloadPage);
+    m_offer.reset();
     dismiss();
 }
 
 void Updates::dismiss()
 {
+    // An offer stays in the sidebar until its page is opened.
     m_asked = false;
     m_showing = false;
-    m_offer.reset();
     emit changed();
 }
 

@@ -28,7 +28,10 @@ class Updates : public QObject {
     Q_PROPERTY(QString heading READ heading NOTIFY changed)
     Q_PROPERTY(QString detail READ detail NOTIFY changed)
     Q_PROPERTY(QString notes READ notes NOTIFY changed)
+    // A newer release was found; a check nobody asked for offers it
+    // quietly (the sidebar shows it) rather than in a dialog.
     Q_PROPERTY(bool offering READ offering NOTIFY changed)
+    Q_PROPERTY(QString offeredVersion READ offeredVersion NOTIFY changed)
 public:
     // The settings key of the last check's date.
     static constexpr QLatin1StringView checkedAtKey{"kestro:update-checked-at"};
@@ -42,12 +45,16 @@ public:
     QString detail() const { return m_detail; }
     QString notes() const { return m_offer ? m_offer->description : QString(); }
     bool offering() const { return m_offer.has_value(); }
+    QString offeredVersion() const { return m_offer ? m_offer->displayVersion() : QString(); }
     std::optional<AppcastRelease> offer() const { return m_offer; }
 
     // The user asked: the outcome is shown whatever it is.
     Q_INVOKABLE void checkNow();
     // Opens the offered release's page in the browser and closes the offer.
     Q_INVOKABLE void openDownloadPage();
+    // Shows the quietly offered release.
+    Q_INVOKABLE void showOffer();
+    // Closes what shows; "Later" on an offer lets it go until the next check.
     Q_INVOKABLE void dismiss();
 
     // Checks in the background whenever a day has passed since the last

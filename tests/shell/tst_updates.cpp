@@ -209,9 +209,15 @@ private slots:
         now = now.addSecs(3600);
         answer = feed(release("0.1.1"));
         updates.checkIfDue();
-        QTRY_VERIFY(updates.showing());
+        QTRY_VERIFY(updates.offering());
         QCOMPARE(server.requests().size(), 2);
+        QCOMPARE(updates.offeredVersion(), u"0.1.1"_s);
+        QVERIFY(!updates.showing()); // offered quietly, shown when asked to
+        updates.showOffer();
+        QVERIFY(updates.showing());
         QCOMPARE(updates.heading(), u"Kestro 0.1.1 is available."_s);
+        updates.dismiss(); // "Later": closed, still offered
+        QVERIFY(!updates.showing() && updates.offering());
 
         // A failure is tried again at the next look, not a day later.
         updates.dismiss();

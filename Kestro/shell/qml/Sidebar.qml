@@ -210,6 +210,19 @@ Rectangle {
             }
         }
 
+        // A newer Kestro found by the daily check waits here, out of the
+        // way, until the user looks.
+        SidebarItem {
+            objectName: "updateAvailable"
+            Layout.fillWidth: true
+            visible: Desktop.updates.offering
+            collapsed: sidebar.collapsed
+            glyph: "sparkles"
+            label: Desktop.updates.offeredVersion.length > 0 ? "Kestro " + Desktop.updates.offeredVersion + " is available" : ""
+            onClicked: Desktop.updates.showOffer()
+            ToolTip.visible: sidebar.collapsed && hovered
+            ToolTip.text: label
+        }
         SidebarItem {
             Layout.fillWidth: true
             collapsed: sidebar.collapsed
