@@ -57,6 +57,23 @@ signals:
     void NotificationClosed(uint id, uint reason);
 };
 
+// The desktop portal's notifications, as a Flatpak sandbox reaches them.
+class FakeNotificationPortal : public QObject {
+    Q_OBJECT
+    Q_CLASSINFO("D-Bus Interface", "org.freedesktop.portal.Notification")
+public:
+    QList<QPair<QString, QVariantMap>> added;
+    QStringList removed;
+public slots:
+    void AddNotification(const QString& id, const QVariantMap& notification)
+    {
+        added.append({id, notification});
+    }
+    void RemoveNotification(const QString& id) { removed.append(id); }
+signals:
+    void ActionInvoked(const QString& id, const QString& action, const QVariantList& parameter);
+};
+
 // The Unity launcher entry's listeners see this.
 class FakeDock : public QObject {
     Q_OBJECT
@@ -235,6 +252,40 @@ private slots:
         QCOMPARE(m_server.shown[2].replaces, 0u);
     }
 
+    // Inside a sandbox: the portal names banners by the item's id, so a
+    // repeat replaces; its "open" action is the click.
+    void insideFlatpakThePortalCarriesThem()
+    {
+        FakeNotificationPortal portal;
+        QVERIFY(m_other.registerObject(u"/org/freedesktop/portal/desktop"_s, &portal,
+                                       QDBusConnection::ExportAllSlots | QDBusConnection::ExportAllSignals));
+        QVERIFY(m_other.registerService(u"org.freedesktop.portal.Desktop"_s));
+        DesktopNotifications desktop(QDBusConnection::sessionBus(), DesktopNotifications::Route::Portal);
+        QSignalSpy clicked(&desktop, &DesktopNotifications::clicked);
+        m_server.shown.clear();
+        QVERIFY(blockingWait(
+            desktop.post({u"7"_s, u"Quill finished the post"_s, u"Ready."_s, u"/tasks/NOR-7"_s})));
+        QVERIFY(blockingWait(desktop.post({u"8"_s, u"Atlas replied"_s, u"See the thread."_s, u"/kest"_s})));
+        QCOMPARE(portal.added.size(), 2);
+        QCOMPARE(portal.added[0].first, u"7"_s);
+        QCOMPARE(portal.added[0].second.value(u"title"_s).toString(), u"Quill finished the post"_s);
+        QCOMPARE(portal.added[0].second.value(u"body"_s).toString(), u"Ready."_s);
+        QCOMPARE(portal.added[0].second.value(u"default-action"_s).toString(), u"open"_s);
+        QVERIFY(m_server.shown.isEmpty()); // not the server's
+
+        emit portal.ActionInvoked(u"8"_s, u"open"_s, {});
+        emit portal.ActionInvoked(u"unknown"_s, u"open"_s, {});
+        QTRY_COMPARE(clicked.count(), 1);
+        QCOMPARE(clicked[0], (QVariantList{u"8"_s, u"/kest"_s}));
+
+        desktop.closeAll();
+        QTRY_COMPARE(portal.removed.size(), 2);
+        QCOMPARE(QSet<QString>(portal.removed.begin(), portal.removed.end()),
+                 (QSet<QString>{u"7"_s, u"8"_s}));
+        m_other.unregisterService(u"org.freedesktop.portal.Desktop"_s);
+        m_other.unregisterObject(u"/org/freedesktop/portal/desktop"_s);
+    }
+
     void theLauncherShowsTheCount()
     {
         FakeDock dock;
@@ -255,10 +306,14 @@ private slots:
         // A dock that comes later hears the count that is up.
         badge.setCount(5);
         QTRY_COMPARE(dock.updates.size(), 3);
+        QVERIFY(!badge.shown());
         QVERIFY(m_other.registerService(u"com.canonical.Unity"_s));
         QTRY_COMPARE(dock.updates.size(), 4);
         QCOMPARE(dock.updates[3], (QPair<qint64, bool>{5, true}));
+        // Whether the count shows somewhere follows the docks on the bus.
+        QTRY_VERIFY(badge.shown());
         m_other.unregisterService(u"com.canonical.Unity"_s);
+        QTRY_VERIFY(!badge.shown());
     }
 };
 
