@@ -158,9 +158,11 @@ std::optional<QList<AppcastRelease>> parseAppcast(const QByteArray& xml)
 std::optional<AppcastRelease> newestUpdate(const QList<AppcastRelease>& releases, const QString& current,
                                            const QString& system)
 {
+    // Rolling distributions have no version ("unknown"): nothing to compare.
+    const bool knownSystem = !system.isEmpty() && system.front().isDigit();
     std::optional<AppcastRelease> newest;
     for (const AppcastRelease& release : releases) {
-        if (!release.minimumSystemVersion.isEmpty() &&
+        if (knownSystem && !release.minimumSystemVersion.isEmpty() &&
             compareVersions(system, release.minimumSystemVersion) < 0)
             continue;
         if (compareVersions(release.version, current) <= 0)

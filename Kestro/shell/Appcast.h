@@ -33,7 +33,8 @@ std::optional<QList<AppcastRelease>> parseAppcast(const QByteArray& xml);
 int compareVersions(const QString& a, const QString& b);
 
 // The newest release newer than `current` that runs on `system` (a release
-// that names a minimum system version above it is passed over).
+// that names a minimum system version above it is passed over; a system
+// without a version number passes over none).
 std::optional<AppcastRelease> newestUpdate(const QList<AppcastRelease>& releases, const QString& current,
                                            const QString& system);
 

@@ -26,7 +26,11 @@ void GlobalHotKey::install(std::function<void()> open)
     m_installed = true;
     m_open = std::move(open);
     const QString platform = QGuiApplication::platformName();
-    if (platform == QLatin1String("xcb")) {
+    // Under a Wayland session Kestro may still draw through XWayland, where
+    // a grab reaches only X windows: the compositor's portal is the way.
+    const bool waylandSession = qEnvironmentVariable("XDG_SESSION_TYPE") == QLatin1String("wayland") ||
+                                !qEnvironmentVariableIsEmpty("WAYLAND_DISPLAY");
+    if (platform == QLatin1String("xcb") && !waylandSession) {
         QString refusal;
         m_x11 = X11HotKey::grab(XK_k, &refusal);
         if (m_x11) {
@@ -35,7 +39,7 @@ void GlobalHotKey::install(std::function<void()> open)
         } else {
             settle({}, refusal);
         }
-    } else if (platform.startsWith(QLatin1String("wayland"))) {
+    } else if (waylandSession) {
         m_portal = std::make_unique<PortalShortcuts>();
         connect(m_portal.get(), &PortalShortcuts::bound, this,
                 [this](const QString& trigger) { settle(trigger.isEmpty() ? shownKey : trigger, {}); });

@@ -135,7 +135,7 @@ KestroApp::KestroApp(QObject* parent) : QObject(parent)
             m_notifications->closeAll();
         }
         m_bell->setActive(signedIn);
-        if (signedIn && std::exchange(m_paletteWaits, false))
+        if (std::exchange(m_paletteWaits, false) && signedIn)
             m_shell->setPaletteOpen(true);
     });
     // After each poll of the count, the desktop hears what is new; the
@@ -242,17 +242,19 @@ void KestroApp::exitWhenReady()
 void KestroApp::openPalette()
 {
     raise();
-    // Asked for before the frame is there (a launch with --palette): it
-    // opens with the frame.
+    // Asked for while the frame is still coming (a launch with --palette):
+    // it opens with the frame. Signed out, there is nothing to search.
     if (m_app->phase() == AppModel::Phase::SignedIn)
         m_shell->setPaletteOpen(true);
     else
-        m_paletteWaits = true;
+        m_paletteWaits = m_app->phase() == AppModel::Phase::Launching;
 }
 
 void KestroApp::raise()
 {
     if (QQuickWindow* w = window()) {
+        // A minimised window is not brought back by show() alone.
+        w->setWindowStates(w->windowStates() & ~Qt::WindowMinimized);
         w->show();
         w->raise();
         w->requestActivate();

@@ -51,21 +51,26 @@ void LauncherBadge::lookForDocks()
         setShown(false);
         return;
     }
+    // Said once the extensions answer: no flicker to "not shown" before.
+    auto pending = std::make_shared<int>(int(gnomeDocks.size()));
+    auto found = std::make_shared<bool>(false);
     for (const QString& uuid : gnomeDocks) {
         QDBusMessage info = QDBusMessage::createMethodCall(
             QStringLiteral("org.gnome.Shell"), QStringLiteral("/org/gnome/Shell"),
             QStringLiteral("org.gnome.Shell.Extensions"), QStringLiteral("GetExtensionInfo"));
         info << uuid;
         auto* call = new QDBusPendingCallWatcher(m_bus.asyncCall(info), this);
-        connect(call, &QDBusPendingCallWatcher::finished, this, [this](QDBusPendingCallWatcher* call) {
-            call->deleteLater();
-            const QDBusPendingReply<QVariantMap> reply = *call;
-            if (!reply.isError() &&
-                reply.value().value(QStringLiteral("state")).toDouble() == gnomeExtensionEnabled)
-                setShown(true);
-        });
+        connect(call, &QDBusPendingCallWatcher::finished, this,
+                [this, pending, found](QDBusPendingCallWatcher* call) {
+                    call->deleteLater();
+                    const QDBusPendingReply<QVariantMap> reply = *call;
+                    if (!reply.isError() &&
+                        reply.value().value(QStringLiteral("state")).toDouble() == gnomeExtensionEnabled)
+                        *found = true;
+                    if (--*pending == 0)
+                        setShown(*found);
+                });
     }
-    setShown(false);
 }
 
 void LauncherBadge::setShown(bool shown)

@@ -116,6 +116,14 @@ void PortalShortcuts::request(const QString& method, QList<QVariant> arguments, 
             [this, pending, path](QDBusPendingCallWatcher* w) {
                 w->deleteLater();
                 const QDBusPendingReply<QDBusObjectPath> reply = *w;
+                if (!reply.isError() && reply.value().path() != path) {
+                    // An older portal names the request its own way: listen there.
+                    m_bus.disconnect(portalService, path, QStringLiteral("org.freedesktop.portal.Request"),
+                                     QStringLiteral("Response"), pending, SLOT(response(uint, QVariantMap)));
+                    m_bus.connect(portalService, reply.value().path(),
+                                  QStringLiteral("org.freedesktop.portal.Request"), QStringLiteral("Response"),
+                                  pending, SLOT(response(uint, QVariantMap)));
+                }
                 if (reply.isError()) {
                     m_bus.disconnect(portalService, path, QStringLiteral("org.freedesktop.portal.Request"),
                                      QStringLiteral("Response"), pending, SLOT(response(uint, QVariantMap)));

@@ -55,9 +55,12 @@ TrayIcon::TrayIcon(Hooks hooks, QDBusConnection bus, QObject* parent)
     if (!m_bus.isConnected())
         return;
     // A host may come later (the panel restarts, or starts after Kestro).
-    auto* watcher =
-        new QDBusServiceWatcher(watcherService, m_bus, QDBusServiceWatcher::WatchForRegistration, this);
+    auto* watcher = new QDBusServiceWatcher(
+        watcherService, m_bus,
+        QDBusServiceWatcher::WatchForRegistration | QDBusServiceWatcher::WatchForUnregistration, this);
     connect(watcher, &QDBusServiceWatcher::serviceRegistered, this, &TrayIcon::lookForHost);
+    // The panel went: nothing shows the icon (or the count on it) now.
+    connect(watcher, &QDBusServiceWatcher::serviceUnregistered, this, &TrayIcon::hide);
     m_bus.connect(watcherService, QStringLiteral("/StatusNotifierWatcher"), watcherService,
                   QStringLiteral("StatusNotifierHostRegistered"), this, SLOT(lookForHost()));
     lookForHost();
@@ -67,6 +70,16 @@ TrayIcon::~TrayIcon()
 {
     if (m_icon)
         m_icon->cleanup();
+}
+
+void TrayIcon::hide()
+{
+    if (!m_icon)
+        return;
+    m_icon->cleanup();
+    m_icon.reset();
+    m_menu.reset();
+    emit shownChanged();
 }
 
 void TrayIcon::lookForHost()
@@ -92,6 +105,13 @@ void TrayIcon::show()
         return;
     QPlatformTheme* theme = QGuiApplicationPrivate::platformTheme();
     m_icon.reset(theme ? theme->createPlatformSystemTrayIcon() : nullptr);
+    // Only Qt's own StatusNotifierItem: a desktop's theme plugin may hand
+    // out a tray built on widgets, which this app (no QApplication) lacks.
+    if (m_icon && qstrcmp(m_icon->metaObject()->className(), "QDBusTrayIcon") != 0) {
+        qInfo("Kestro shows no tray icon: the desktop's Qt theme offers one Kestro cannot use (%s).",
+              m_icon->metaObject()->className());
+        m_icon.reset();
+    }
     if (!m_icon)
         return;
     m_icon->init();

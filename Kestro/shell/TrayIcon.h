@@ -39,6 +39,7 @@ signals:
 private:
     void lookForHost();
     void show();
+    void hide();
     void paint();
 
     Hooks m_hooks;

@@ -49,8 +49,17 @@ void Updates::checkIfDue()
 
 void Updates::checkNow()
 {
-    if (!enabled() || m_checking)
+    if (!enabled())
         return;
+    if (m_checking) {
+        // The daily check is on its way: its outcome is now the user's.
+        if (!m_asked) {
+            m_asked = true;
+            show(QStringLiteral("Checking for Updates…"),
+                 QStringLiteral("Kestro is asking the update server for its newest release."));
+        }
+        return;
+    }
     check(true);
 }
 
@@ -61,8 +70,7 @@ QCoro::Task<> Updates::check(bool asked)
     m_asked = asked;
     if (asked) {
         // The one who asked sees it working; closing this lets it finish
-        // quietly.
-        m_offer.reset();
+        // quietly. An offer already found stays until the answer says more.
         show(QStringLiteral("Checking for Updates…"),
              QStringLiteral("Kestro is asking the update server for its newest release."));
     } else {

@@ -60,10 +60,12 @@ std::unique_ptr<X11HotKey> X11HotKey::grab(unsigned long keysym, QString* refusa
     grab->variants = {0, numLock, XCB_MOD_MASK_LOCK, uint16_t(numLock | XCB_MOD_MASK_LOCK)};
 
     // Each variant is checked: another program's grab of any of them is a
-    // BadAccess, and the combination is then theirs.
+    // BadAccess, and the combination is then theirs. Presses always come
+    // to the root window (owner_events off), even while one of Kestro's own
+    // windows has the keyboard.
     QList<xcb_void_cookie_t> cookies;
     for (const uint16_t lock : std::as_const(grab->variants))
-        cookies.append(xcb_grab_key_checked(grab->connection, 1, grab->root, grab->modifiers | lock,
+        cookies.append(xcb_grab_key_checked(grab->connection, 0, grab->root, grab->modifiers | lock,
                                             grab->keycode, XCB_GRAB_MODE_ASYNC, XCB_GRAB_MODE_ASYNC));
     bool refused = false;
     for (const xcb_void_cookie_t cookie : std::as_const(cookies)) {

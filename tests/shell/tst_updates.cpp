@@ -115,6 +115,8 @@ private slots:
         QCOMPARE(newestUpdate(releases, u"1.1"_s, u"13"_s)->version, u"1.10"_s);
         QCOMPARE(newestUpdate(releases, u"1.9"_s, u"12"_s), std::nullopt);
         QCOMPARE(newestUpdate(releases, u"2.0"_s, u"13"_s), std::nullopt);
+        // A rolling distribution tells no version: no minimum holds it back.
+        QCOMPARE(newestUpdate(releases, u"1.1"_s, u"unknown"_s)->version, u"1.10"_s);
     }
 
     // What the user sees after asking, for each kind of answer; the offer
@@ -218,6 +220,13 @@ private slots:
         QCOMPARE(updates.heading(), u"Kestro 0.1.1 is available."_s);
         updates.dismiss(); // "Later": closed, still offered
         QVERIFY(!updates.showing() && updates.offering());
+        // A check that fails leaves the offer where it was.
+        answer = "garbage";
+        updates.checkNow();
+        QTRY_VERIFY(!updates.checking());
+        QVERIFY(updates.offering());
+        QCOMPARE(updates.heading(), u"Kestro could not check for updates."_s);
+        updates.dismiss();
 
         // A failure is tried again at the next look, not a day later.
         updates.dismiss();
