@@ -219,8 +219,36 @@ json updateTasks(ActionContext& ctx, const json& args)
         return {{"error", (changes["status"].is_string() ? changes["status"].get<std::string>()
                                                          : changes["status"].dump()) +
                               " is not a status a task can have."}};
+    if (changes.contains("sortOrder") && !changes["sortOrder"].is_number())
+        throw RequestError(400, "The change \"sortOrder\" must be a number.");
+    // A move made from a stale board: the task changed since it was shown.
+    if (changes.contains("version") && changes["version"].is_number() && tasks.size() == 1 &&
+        tasks[0]["version"] != changes["version"])
+        return {{"error", tasks[0]["key"].get<std::string>() +
+                              " changed while you moved it. Look at it again, then move it once more."}};
+    // A teammate waiting for answers keeps its task where it is, unless the
+    // mover lets its questions go.
+    const bool withdraw = changes.value("withdrawAsks", false);
+    if (changes.contains("status") && !withdraw)
+        for (const json& task : tasks)
+            for (const json& ask : task.value("asks", json::array()))
+                if (ask.value("status", "") == "open" && task["status"] != changes["status"]) {
+                    const json mate = s.teammate(ctx.caller.workspace, ask.value("agent", ""));
+                    return {{"error", (mate.is_null() ? std::string("A teammate")
+                                                      : mate["name"].get<std::string>()) +
+                                          " is waiting for your answer on " + task["key"].get<std::string>() +
+                                          "."}};
+                }
     for (json& current : tasks) {
         json* task = &current;
+        if (changes.contains("status") && withdraw && task->contains("asks")) {
+            for (json& ask : (*task)["asks"])
+                if (ask.value("status", "") == "open")
+                    ask["status"] = "withdrawn";
+            (*task)["waiting"] = 0;
+        }
+        if (changes.contains("sortOrder"))
+            (*task)["sortOrder"] = changes["sortOrder"];
         for (const char* member : {"status", "priority", "title", "area", "description", "dueAt"}) {
             if (!changes.contains(member))
                 continue;

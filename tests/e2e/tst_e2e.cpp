@@ -7,6 +7,7 @@
 
 #include "DevServiceProcess.h"
 
+#include "pages/TaskListPage.h"
 #include "shell/AppModel.h"
 #include "shell/Appearance.h"
 #include "shell/BellModel.h"
@@ -30,6 +31,8 @@
 #include <QQmlExpression>
 #include <QQuickItem>
 #include <QQuickWindow>
+#include <QSettings>
+#include <QSignalSpy>
 #include <QStandardPaths>
 #include <QTemporaryDir>
 #include <QTest>
@@ -200,6 +203,8 @@ private slots:
     void initTestCase()
     {
         previousHandler = qInstallMessageHandler(watchWarnings);
+        // A new user: nothing remembered from an earlier run.
+        QSettings().clear();
         // No browser on this desktop, whatever the machine has installed
         // (xdg-open comes with many packages): "Log in" falls back to the
         // sheet, which the test drives. Only the X tools stay in reach.
@@ -404,6 +409,7 @@ private slots:
         // The native list, its New task button and the dialog, all through
         // the X server.
         QTRY_VERIFY_WITH_TIMEOUT(showing(u"taskList"_s), 10000);
+        shoot(u"task-list"_s);
         xclick(u"newTask"_s);
         QTRY_VERIFY(find(u"newTaskDialog"_s)->property("opened").toBool());
         QTRY_VERIFY(typingGoesTo(u"newTaskTitle"_s));
@@ -412,6 +418,53 @@ private slots:
         xdo({u"key"_s, u"Return"_s});
         QTRY_VERIFY_WITH_TIMEOUT(route().startsWith(u"/tasks/NOR-"_s), 10000);
         QVERIFY(!find(u"newTaskDialog"_s) || !find(u"newTaskDialog"_s)->property("opened").toBool());
+    }
+
+    // A drawn item by name inside `in` (a view's delegates are found only
+    // through the items they are drawn in).
+    static QQuickItem* drawnNamed(QQuickItem* in, const QString& name)
+    {
+        for (QQuickItem* it : drawnInside(in))
+            if (it->objectName() == name && it->isVisible())
+                return it;
+        return nullptr;
+    }
+
+    void dragsACardOnTheBoard()
+    {
+        m_app->router().open(u"/tasks?layout=board"_s);
+        QTRY_VERIFY_WITH_TIMEOUT(showing(u"taskBoard"_s), 10000);
+        QQuickItem* board = item(u"taskBoard"_s);
+        QTRY_VERIFY(drawnNamed(board, u"taskCard-NOR-3"_s) && drawnNamed(board, u"boardColumn-3"_s));
+        shoot(u"board"_s);
+        // Pressed, carried in steps (as a hand does) and let go over the
+        // backlog: the card lands there, and stays once the service agreed.
+        QQuickItem* card = drawnNamed(board, u"taskCard-NOR-3"_s);
+        QQuickItem* backlog = drawnNamed(board, u"boardColumn-3"_s);
+        const QPoint from = window()->mapToGlobal(card->mapToScene(QPointF(card->width() / 2, 20)).toPoint());
+        const QPoint to = window()->mapToGlobal(
+            backlog->mapToScene(
+                       QPointF(60, 300)) /* its left edge: the rest may lie past the window */.toPoint());
+        xdo({u"mousemove"_s, u"--sync"_s, QString::number(from.x()), QString::number(from.y()),
+             u"mousedown"_s, u"1"_s});
+        for (int step = 1; step <= 10; ++step) {
+            const QPoint at = from + (to - from) * step / 10;
+            xdo({u"mousemove"_s, u"--sync"_s, QString::number(at.x()), QString::number(at.y())});
+        }
+        shoot(u"board-drag"_s);
+        auto* tasks = window()->findChild<TaskListPage*>();
+        QVERIFY(tasks);
+        QSignalSpy answered(tasks, &TaskListPage::answered);
+        xdo({u"mouseup"_s, u"1"_s});
+        QTRY_VERIFY(drawnNamed(backlog, u"taskCard-NOR-3"_s));
+        // The reload that follows the service's yes still has it there.
+        QTRY_VERIFY_WITH_TIMEOUT(answered.count() > 0, 10000);
+        QVERIFY(drawnNamed(backlog, u"taskCard-NOR-3"_s));
+        QVERIFY(tasks->moveError().isEmpty());
+        QCOMPARE(route(), u"/tasks?layout=board"_s); // a drag opens nothing
+        // Back to the list, which "/tasks" opens with from now on.
+        xclick(u"showList"_s);
+        QTRY_COMPARE(route(), u"/tasks"_s);
     }
 
     void reachesThePlacesFromAnyKeyboard()

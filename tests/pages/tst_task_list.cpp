@@ -14,6 +14,8 @@
 #include "calls/app.h"
 #include "service/BlockingWait.h"
 
+#include <QJsonArray>
+#include <QJsonObject>
 #include <QSettings>
 #include <QSignalSpy>
 #include <QStandardPaths>
@@ -45,6 +47,28 @@ class TaskListTest : public QObject {
                          ? u"heading:"_s + page.rows()->valueAt(row, u"groupTitle"_s).toString()
                          : page.rows()->valueAt(row, u"taskKey"_s).toString());
         return rows;
+    }
+
+    // The keys on a board column, top to bottom: the demo's six tasks only
+    // (a task made by an earlier case is left out).
+    static QStringList cardsOf(const TaskListPage& page, int group)
+    {
+        auto* cards = qobject_cast<KeyedListModel*>(
+            page.columns().value(group).toMap().value(u"tasks"_s).value<QObject*>());
+        QStringList keys;
+        for (int row = 0; cards && row < cards->count(); ++row) {
+            const QString key = cards->valueAt(row, u"taskKey"_s).toString();
+            if (key.mid(4).toInt() <= 6)
+                keys << key;
+        }
+        return keys;
+    }
+    static QString idOf(const TaskListPage& page, const QString& key)
+    {
+        for (int row = 0; row < page.rows()->count(); ++row)
+            if (page.rows()->valueAt(row, u"taskKey"_s).toString() == key)
+                return page.rows()->keyAt(row);
+        return {};
     }
 
 private slots:
@@ -113,7 +137,7 @@ private slots:
         restored.setRouter(m_router.get());
         restored.setRoute(Route::parse(u"/tasks"_s));
         restored.restoreAddress();
-        QCOMPARE(m_router->route().text(), u"/tasks?q=launch"_s);
+        QTRY_COMPARE(m_router->route().text(), u"/tasks?q=launch"_s);
         QCOMPARE(m_router->canGoBack(), couldGoBack);
 
         TaskListPage none;
@@ -156,6 +180,75 @@ private slots:
         QVERIFY(!page.canManage());
         QCOMPARE(page.shown(), 1);
         QVERIFY(!blockingWait(Calls::app::switchWorkspaceAction(u"w1"_s)).error);
+    }
+
+    // Moves show at once and are kept once the service agrees; a move from
+    // a stale board, or past a teammate's open question, goes back with the
+    // service's sentence, and the latter can be made anyway.
+    void theBoardMovesCardsAndSnapsBackWhenRefused()
+    {
+        QCOMPARE(TaskListPage::orderAt({}, 0), 0.0);
+        QList<Model::TaskSummaryView> column(2);
+        column[0].sortOrder = 1;
+        column[1].sortOrder = 2;
+        QCOMPARE(TaskListPage::orderAt(column, 0), 0.0);
+        QCOMPARE(TaskListPage::orderAt(column, 1), 1.5);
+        QCOMPARE(TaskListPage::orderAt(column, 2), 3.0);
+
+        TaskListPage page;
+        load(page, u"/tasks?layout=board"_s);
+        QVERIFY(page.board());
+        QCOMPARE(page.columns().size(), 6);
+        const QString fix = idOf(page, u"NOR-3"_s);
+        QCOMPARE(cardsOf(page, 2), QStringList{u"NOR-3"_s});
+
+        QSignalSpy moved(&page, &TaskListPage::cardMoved);
+        QVERIFY(page.moveTask(fix, 1, 1));
+        QTRY_COMPARE(moved.size(), 1);
+        QCOMPARE(cardsOf(page, 1), (QStringList{u"NOR-4"_s, u"NOR-3"_s})); // before the service answered
+        QVERIFY(cardsOf(page, 2).isEmpty());
+        // The reload after the service agreed, and a new board, show it there.
+        QSignalSpy answered(&page, &TaskListPage::answered);
+        QTRY_VERIFY_WITH_TIMEOUT(answered.size() > 0, 10000);
+        QCOMPARE(cardsOf(page, 1), (QStringList{u"NOR-4"_s, u"NOR-3"_s}));
+        TaskListPage fresh;
+        load(fresh, u"/tasks?layout=board"_s);
+        QCOMPARE(cardsOf(fresh, 1), (QStringList{u"NOR-4"_s, u"NOR-3"_s}));
+        // Up one place, and back to To do, by keys.
+        QVERIFY(page.moveBy(fix, 0, -1));
+        QTRY_COMPARE(cardsOf(page, 1), (QStringList{u"NOR-3"_s, u"NOR-4"_s}));
+        QVERIFY(!page.moveBy(fix, 0, -1)); // at the top already
+        QVERIFY(page.moveBy(fix, 1, 0));
+        QTRY_COMPARE(cardsOf(page, 2), QStringList{u"NOR-3"_s});
+        QVERIFY(page.moveError().isEmpty());
+
+        // Changed elsewhere since the board was drawn: refused, and back.
+        const QString press = idOf(page, u"NOR-5"_s);
+        QVERIFY(!blockingWait(Calls::app::updateTasksAction(
+                                  Arg{JSONValue::fromQJsonValue(QJsonArray{press})},
+                                  Arg{JSONValue::fromQJsonValue(QJsonObject{{u"priority"_s, u"high"_s}})}))
+                     .error);
+        QVERIFY(page.moveTask(press, 2, 0));
+        QTRY_VERIFY(!page.moveError().isEmpty());
+        QVERIFY2(page.moveError().contains(u"changed while you moved it"_s), qPrintable(page.moveError()));
+        QVERIFY(!page.canMoveAnyway());
+        QCOMPARE(cardsOf(page, 3), QStringList{u"NOR-5"_s});
+        QCOMPARE(cardsOf(page, 2), QStringList{u"NOR-3"_s});
+
+        // Nova waits for an answer on NOR-6: only "Move anyway" moves it
+        // (to the backlog, where no teammate takes it up at once).
+        const QString checklist = idOf(page, u"NOR-6"_s);
+        QVERIFY(page.moveTask(checklist, 3, 1));
+        QTRY_COMPARE(page.moveError(), u"Nova is waiting for your answer on NOR-6."_s);
+        QVERIFY(page.canMoveAnyway());
+        QVERIFY(cardsOf(page, 0).contains(u"NOR-6"_s));
+        page.moveAnyway();
+        QTRY_COMPARE(cardsOf(page, 3), (QStringList{u"NOR-5"_s, u"NOR-6"_s}));
+        QVERIFY(page.moveError().isEmpty());
+        QVERIFY(!page.canMoveAnyway());
+        TaskListPage after;
+        load(after, u"/tasks?layout=board"_s);
+        QCOMPARE(cardsOf(after, 3), (QStringList{u"NOR-5"_s, u"NOR-6"_s}));
     }
 };
 

@@ -87,6 +87,24 @@ Item {
             color: Theme.muted
         }
         Item { Layout.fillWidth: true }
+        // List or board: the same tasks, the same filters.
+        Row {
+            spacing: 0
+            PrimaryButton {
+                objectName: "showList"
+                quiet: listModel.board
+                text: "List"
+                Accessible.name: listModel.board ? "List" : "List, shown"
+                onClicked: listModel.setBoard(false)
+            }
+            PrimaryButton {
+                objectName: "showBoard"
+                quiet: !listModel.board
+                text: "Board"
+                Accessible.name: listModel.board ? "Board, shown" : "Board"
+                onClicked: listModel.setBoard(true)
+            }
+        }
         PrimaryButton {
             objectName: "newTask"
             visible: listModel.canManage
@@ -100,7 +118,7 @@ Item {
         objectName: "taskList"
         anchors.fill: parent
         anchors.topMargin: 72
-        visible: listModel.loader.state === Loaded.Content
+        visible: listModel.loader.state === Loaded.Content && !listModel.board
         clip: true
         model: listModel.rows
         boundsBehavior: Flickable.StopAtBounds
@@ -137,6 +155,55 @@ Item {
                 tasks: listModel
                 onActiveFocusChanged: if (activeFocus) list.positionViewAtIndex(cell.index, ListView.Contain)
             }
+        }
+    }
+
+    TaskBoard {
+        objectName: "taskBoard"
+        anchors.fill: parent
+        anchors.topMargin: 72
+        visible: listModel.loader.state === Loaded.Content && listModel.board && listModel.shown > 0
+        tasks: listModel
+        onAdd: (status, label) => dialog.openFor(status, label)
+    }
+    // A refused move: the service's sentence, and (where a teammate waits
+    // for answers) the way to move it anyway.
+    Rectangle {
+        objectName: "moveRefused"
+        visible: listModel.moveError.length > 0
+        anchors.horizontalCenter: parent.horizontalCenter
+        anchors.bottom: parent.bottom
+        anchors.bottomMargin: 24
+        width: Math.min(page.width - 64, refusal.implicitWidth + 32)
+        height: refusal.implicitHeight + 20
+        radius: 10
+        color: Theme.raised
+        border.color: Theme.border
+        RowLayout {
+            id: refusal
+            anchors.centerIn: parent
+            width: parent.width - 32
+            spacing: 10
+            Icon { name: "circle-alert"; size: 16; color: Theme.danger }
+            Text {
+                Layout.fillWidth: true
+                Layout.maximumWidth: 520
+                text: listModel.moveError
+                textFormat: Text.PlainText
+                wrapMode: Text.Wrap
+                font.family: Theme.sans
+                font.pixelSize: 13
+                color: Theme.text
+                Accessible.role: Accessible.AlertMessage
+                Accessible.name: text
+            }
+            PrimaryButton {
+                objectName: "moveAnyway"
+                visible: listModel.canMoveAnyway
+                text: "Move anyway: its questions are withdrawn"
+                onClicked: listModel.moveAnyway()
+            }
+            IconButton { glyph: "x"; tip: "Dismiss"; onClicked: listModel.clearMoveError() }
         }
     }
 

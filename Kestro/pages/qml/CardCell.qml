@@ -1,0 +1,20 @@
+import QtQuick
+import Kestro.Pages
+
+// A card's place in its column: it keeps the room while the card itself
+// is dragged away above the board.
+Item {
+    id: cell
+    required property var model
+    property alias card: card
+    property TaskListModel tasks
+    property Item dragLayer
+    height: card.implicitHeight
+    TaskCard {
+        id: card
+        width: cell.width
+        row: cell.model
+        tasks: cell.tasks
+        dragLayer: cell.dragLayer
+    }
+}

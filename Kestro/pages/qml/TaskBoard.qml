@@ -1,0 +1,63 @@
+// Delegates here take their model data only through required properties.
+pragma ComponentBehavior: Bound
+import QtQuick
+import QtQuick.Controls.Basic
+import Kestro.Controls
+import Kestro.Pages
+
+// The tasks as a board: a column per status group, side by side, scrolled
+// sideways when they do not fit. A dragged card floats above them all.
+Item {
+    id: board
+    property TaskListModel tasks
+    signal add(string status, string label)
+
+    Flickable {
+        id: scroller
+        anchors.fill: parent
+        contentWidth: lanes.width + 64
+        contentHeight: height
+        flickableDirection: Flickable.HorizontalFlick
+        boundsBehavior: Flickable.StopAtBounds
+        // A card's drag must not scroll the board under it.
+        interactive: !board.tasks.dragging
+        clip: true
+        ScrollBar.horizontal: ScrollBar {}
+        Row {
+            id: lanes
+            x: 32
+            height: scroller.height - 24
+            spacing: 12
+            Repeater {
+                id: columns
+                model: board.tasks.columns
+                delegate: TaskBoardColumn {
+                    height: lanes.height
+                    tasks: board.tasks
+                    dragLayer: layer
+                    onAdd: (status, label) => board.add(status, label)
+                }
+            }
+        }
+    }
+    Item {
+        id: layer
+        anchors.fill: parent
+    }
+
+    // A moved card is made again in its new place: the keyboard follows it.
+    Connections {
+        target: board.tasks
+        function onCardMoved(id) {
+            if (board.visible)
+                board.focusCard(id)
+        }
+    }
+    function focusCard(id) {
+        for (let i = 0; i < columns.count; ++i) {
+            const column = columns.itemAt(i) as TaskBoardColumn
+            if (column && column.focusCard(id))
+                return
+        }
+    }
+}
