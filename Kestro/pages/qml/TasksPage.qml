@@ -51,6 +51,15 @@ Item {
             Layout.preferredWidth: 280
             placeholderText: "Search tasks"
             Accessible.name: "Search tasks"
+            color: Theme.text
+            placeholderTextColor: Theme.muted
+            font.family: Theme.sans
+            background: Rectangle {
+                implicitHeight: 36
+                radius: 8
+                color: Theme.raised
+                border.color: searchField.activeFocus ? Theme.accent : Theme.border
+            }
             // Typed words become the address after a short pause; the field
             // follows the address only while nobody types in it.
             Component.onCompleted: text = listModel.query
