@@ -311,6 +311,11 @@ private slots:
     {
         pressPlace(u"Tasks"_s);
         checkScreen(u"6 tasks"_s);
+        // The board: its columns say what they hold, its cards are reachable.
+        pressPlace(u"Board"_s);
+        checkScreen(u"To do, 1 task"_s);
+        pressPlace(u"List"_s);
+        checkScreen(u"6 tasks"_s);
     }
 
     void cleanupTestCase()
