@@ -214,6 +214,13 @@ QList<TaskSummaryView> TaskListPage::shownTasks() const
 
 void TaskListPage::show()
 {
+    // Never under a dragged card: remaking its column would take the card
+    // (and the drag) away. Shown once it is dropped.
+    if (m_dragging) {
+        m_showHeld = true;
+        return;
+    }
+    m_showHeld = false;
     const QList<TaskSummaryView> tasks = shownTasks();
     m_rows->apply(rowsOf(tasks, foldedGroups()));
     const QList<QList<TaskSummaryView>> columns = grouped(tasks);
@@ -236,7 +243,7 @@ void TaskListPage::apply(const QVariant& value)
     // one moved) needs no stand-in any more.
     for (const TaskSummaryView& task : std::as_const(m_result.tasks)) {
         const auto move = m_moves.constFind(task.id);
-        if (move != m_moves.cend() && task.version > move->version)
+        if (move != m_moves.cend() && task.version > move->version && !m_chains.contains(task.id))
             m_moves.erase(move);
     }
     show();
@@ -401,11 +408,15 @@ void TaskListPage::setDragging(bool dragging)
         return;
     m_dragging = dragging;
     emit draggingChanged();
-    // The answer held back shows once the drop is done with.
-    if (!m_dragging && m_heldAnswer)
+    // What was held back shows once the drop is done with.
+    if (!m_dragging && (m_heldAnswer || m_showHeld))
         QTimer::singleShot(0, this, [this] {
-            if (!m_dragging && m_heldAnswer)
+            if (m_dragging)
+                return;
+            if (m_heldAnswer)
                 apply(*std::exchange(m_heldAnswer, std::nullopt));
+            else if (m_showHeld)
+                show();
         });
 }
 
@@ -434,9 +445,11 @@ bool TaskListPage::moveTask(const QString& id, int group, int index)
         if (index > was)
             --index;
     }
-    // Behind a move still on its way, the version is the one it leaves.
-    const auto chain = m_chains.constFind(id);
-    const double version = chain != m_chains.cend() ? m_moves.value(id).version + 1 : task->version;
+    // Behind a move not yet seen in an answer, the version is the one that
+    // move leaves (each accepted change adds one).
+    const auto shown = m_moves.constFind(id);
+    const double version =
+        shown != m_moves.cend() ? std::max(task->version, shown->version + 1) : task->version;
     Move move{id, sameGroup ? task->status : groups[group].addStatus, orderAt(column, index), version, false};
     // Shown after the event that asked for it: a drop or a key press comes
     // from the card that is about to be made again elsewhere.
@@ -521,11 +534,16 @@ QCoro::Task<> TaskListPage::runChain(QString id)
         m_moves.remove(id);
         show();
         m_moveError = failure;
+        // "Move anyway" only where the board was up to date and a teammate
+        // waits for answers: the refusal was about its questions.
         const auto task = std::find_if(m_result.tasks.cbegin(), m_result.tasks.cend(),
                                        [&](const auto& t) { return t.id == move.id; });
-        if (task != m_result.tasks.cend() && task->waiting > 0 && !move.withdrawAsks)
+        if (task != m_result.tasks.cend() && task->waiting > 0 && task->version == move.version &&
+            !move.withdrawAsks)
             m_retry = move;
         emit moveChanged();
+        // What the service has now, so the next move starts from it.
+        reloadAfterAction();
         co_return;
     }
     m_chains.remove(id);

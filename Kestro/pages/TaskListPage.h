@@ -155,6 +155,7 @@ private:
     std::optional<Move> m_retry;
     QString m_moveError;
     bool m_dragging = false;
+    bool m_showHeld = false;              // a change waits for the drop to be shown
     std::optional<QVariant> m_heldAnswer; // came while a card was dragged
     QString m_savedAddress;
     bool m_creating = false;

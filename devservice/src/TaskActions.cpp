@@ -254,6 +254,10 @@ json updateTasks(ActionContext& ctx, const json& args)
                 continue;
             if (!changes[member].is_string())
                 throw RequestError(400, std::string("The change \"") + member + "\" must be text.");
+            // Only what changes goes in the task's history (a reorder
+            // sends the status it already has).
+            if ((*task).value(member, json()) == changes[member])
+                continue;
             (*task)["activity"].push_back(
                 {{"id", newId("a")},
                  {"kind", "change"},

@@ -97,9 +97,17 @@ private:
 class TestPortalShortcuts : public QObject {
     Q_OBJECT
 
-    QDBusConnection desktopBus()
+    // The desktop's side: a connection of its own that owns the portal's
+    // name and serves `portal` there.
+    static QDBusConnection desktopBus()
     {
         return QDBusConnection::connectToBus(QDBusConnection::SessionBus, u"desktop"_s);
+    }
+    static bool serve(QDBusConnection& bus, FakePortal& portal)
+    {
+        return bus.registerObject(u"/org/freedesktop/portal/desktop"_s, &portal,
+                                  QDBusConnection::ExportAllSlots) &&
+               bus.registerService(u"org.freedesktop.portal.Desktop"_s);
     }
 
 private slots:
@@ -114,9 +122,7 @@ private slots:
     {
         QDBusConnection bus = desktopBus();
         FakePortal portal(bus);
-        QVERIFY(bus.registerObject(u"/org/freedesktop/portal/desktop"_s, &portal,
-                                   QDBusConnection::ExportAllSlots));
-        QVERIFY(bus.registerService(u"org.freedesktop.portal.Desktop"_s));
+        QVERIFY(serve(bus, portal));
 
         PortalShortcuts shortcuts;
         QSignalSpy bound(&shortcuts, &PortalShortcuts::bound);
@@ -147,9 +153,7 @@ private slots:
             QDBusConnection bus = desktopBus();
             FakePortal portal(bus);
             portal.bindAnswer = 1; // the user said no in the desktop's dialog
-            QVERIFY(bus.registerObject(u"/org/freedesktop/portal/desktop"_s, &portal,
-                                       QDBusConnection::ExportAllSlots));
-            QVERIFY(bus.registerService(u"org.freedesktop.portal.Desktop"_s));
+            QVERIFY(serve(bus, portal));
             PortalShortcuts shortcuts;
             QSignalSpy bound(&shortcuts, &PortalShortcuts::bound);
             QSignalSpy refused(&shortcuts, &PortalShortcuts::refused);

@@ -45,6 +45,14 @@ Item {
         anchors.fill: parent
     }
 
+    // Scrolls sideways so the column (and the keyboard's card in it) shows.
+    function reveal(column) {
+        const left = lanes.x + column.x
+        if (left < scroller.contentX)
+            scroller.contentX = Math.max(0, left - 32)
+        else if (left + column.width > scroller.contentX + scroller.width)
+            scroller.contentX = Math.min(scroller.contentWidth - scroller.width, left + column.width + 32 - scroller.width)
+    }
     // A moved card is made again in its new place: the keyboard follows it.
     Connections {
         target: board.tasks
@@ -56,8 +64,10 @@ Item {
     function focusCard(id) {
         for (let i = 0; i < columns.count; ++i) {
             const column = columns.itemAt(i) as TaskBoardColumn
-            if (column && column.focusCard(id))
+            if (column && column.focusCard(id)) {
+                board.reveal(column)
                 return
+            }
         }
     }
 }

@@ -25,7 +25,7 @@ Rectangle {
         list.positionViewAtIndex(at, ListView.Contain)
         const cell = list.itemAtIndex(at) as CardCell
         if (cell)
-            cell.card.forceActiveFocus()
+            cell.card.forceActiveFocus(Qt.TabFocusReason)
         return true
     }
 
@@ -86,14 +86,16 @@ Rectangle {
         }
     }
 
-    // Where a card let go here lands: before the card under its top, or
-    // at the end.
+    // Where a card let go here lands: before the first card whose middle
+    // is below the point (over the heading: the top; past them all: the end).
     function placeAt(y) {
-        const at = list.indexAt(8, y + list.contentY - list.y)
-        if (at < 0)
-            return list.count
-        const cell = list.itemAtIndex(at)
-        return cell && y + list.contentY - list.y > cell.y + cell.height / 2 ? at + 1 : at
+        const inList = y + list.contentY - list.y
+        for (let at = 0; at < list.count; ++at) {
+            const cell = list.itemAtIndex(at)
+            if (cell && inList < cell.y + cell.height / 2)
+                return at
+        }
+        return list.count
     }
     DropArea {
         id: drop
