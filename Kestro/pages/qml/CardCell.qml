@@ -6,9 +6,12 @@ import Kestro.Pages
 Item {
     id: cell
     required property var model
+    required property int index
     property alias card: card
     property TaskListModel tasks
     property Item dragLayer
+    // The keyboard came to this card (Tab, or a move by keys).
+    signal focused()
     height: card.implicitHeight
     TaskCard {
         id: card
@@ -16,5 +19,6 @@ Item {
         row: cell.model
         tasks: cell.tasks
         dragLayer: cell.dragLayer
+        onActiveFocusChanged: if (activeFocus) cell.focused()
     }
 }

@@ -32,7 +32,9 @@ Item {
                 id: columns
                 model: board.tasks.columns
                 delegate: TaskBoardColumn {
+                    id: lane
                     height: lanes.height
+                    onReveal: board.reveal(lane)
                     tasks: board.tasks
                     dragLayer: layer
                     onAdd: (status, label) => board.add(status, label)
@@ -64,10 +66,8 @@ Item {
     function focusCard(id) {
         for (let i = 0; i < columns.count; ++i) {
             const column = columns.itemAt(i) as TaskBoardColumn
-            if (column && column.focusCard(id)) {
-                board.reveal(column)
+            if (column && column.focusCard(id))
                 return
-            }
         }
     }
 }

@@ -17,6 +17,8 @@ Rectangle {
     property Item dragLayer
     readonly property KeyedListModel cards: modelData.tasks
     signal add(string status, string label)
+    // A card here has the keyboard: the board scrolls to this column.
+    signal reveal()
 
     function focusCard(id) {
         const at = column.cards.indexOf(id)
@@ -80,7 +82,12 @@ Rectangle {
         model: column.cards
         boundsBehavior: Flickable.StopAtBounds
         delegate: CardCell {
+            id: cell
             width: list.width
+            onFocused: {
+                list.positionViewAtIndex(cell.index, ListView.Contain)
+                column.reveal()
+            }
             tasks: column.tasks
             dragLayer: column.dragLayer
         }
