@@ -234,10 +234,9 @@ json updateTasks(ActionContext& ctx, const json& args)
             for (const json& ask : task.value("asks", json::array()))
                 if (ask.value("status", "") == "open" && task["status"] != changes["status"]) {
                     const json mate = s.teammate(ctx.caller.workspace, ask.value("agent", ""));
-                    return {{"error", (mate.is_null() ? std::string("A teammate")
-                                                      : mate["name"].get<std::string>()) +
-                                          " is waiting for your answer on " + task["key"].get<std::string>() +
-                                          "."}};
+                    return {{"error",
+                             (mate.is_null() ? std::string("A teammate") : mate["name"].get<std::string>()) +
+                                 " is waiting for your answer on " + task["key"].get<std::string>() + "."}};
                 }
     for (json& current : tasks) {
         json* task = &current;
