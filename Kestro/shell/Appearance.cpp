@@ -1,9 +1,10 @@
 #include "Appearance.h"
 
+#include "DBusAnswer.h"
+
 #include <QDBusConnection>
 #include <QDBusMessage>
-#include <QDBusPendingCallWatcher>
-#include <QDBusPendingReply>
+#include <QDBusReply>
 #include <QDBusVariant>
 #include <QGuiApplication>
 #include <QPalette>
@@ -230,14 +231,11 @@ void Appearance::readSetting(const QString& group, const QString& key)
     QDBusMessage read =
         QDBusMessage::createMethodCall(portalService, portalPath, portalInterface, QStringLiteral("Read"));
     read << group << key;
-    auto* watcher = new QDBusPendingCallWatcher(QDBusConnection::sessionBus().asyncCall(read), this);
-    connect(watcher, &QDBusPendingCallWatcher::finished, this,
-            [this, group, key](QDBusPendingCallWatcher* call) {
-                const QDBusPendingReply<QDBusVariant> reply = *call;
-                if (!reply.isError())
-                    portalSettingChanged(group, key, reply.value());
-                call->deleteLater();
-            });
+    whenAnswered(QDBusConnection::sessionBus(), read, this, [this, group, key](const QDBusMessage& answer) {
+        const QDBusReply<QDBusVariant> reply(answer);
+        if (reply.isValid())
+            portalSettingChanged(group, key, reply.value());
+    });
 }
 
 void Appearance::portalSettingChanged(const QString& group, const QString& key, const QDBusVariant& value)

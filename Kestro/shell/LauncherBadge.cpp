@@ -1,9 +1,9 @@
 #include "LauncherBadge.h"
 
-#include <QDBusConnectionInterface>
+#include "DBusAnswer.h"
+
 #include <QDBusMessage>
-#include <QDBusPendingCallWatcher>
-#include <QDBusPendingReply>
+#include <QDBusReply>
 #include <QDBusServiceWatcher>
 
 namespace Kestro {
@@ -38,39 +38,40 @@ LauncherBadge::LauncherBadge(QDBusConnection bus, QObject* parent) : QObject(par
 
 void LauncherBadge::lookForDocks()
 {
-    QDBusConnectionInterface* bus = m_bus.interface();
-    if (!bus)
-        return;
-    for (const QString& name : dockNames) {
-        if (bus->isServiceRegistered(name)) {
-            setShown(true);
+    // Who is on the bus, asked without waiting: this runs at start-up.
+    const QDBusMessage names = QDBusMessage::createMethodCall(
+        QStringLiteral("org.freedesktop.DBus"), QStringLiteral("/org/freedesktop/DBus"),
+        QStringLiteral("org.freedesktop.DBus"), QStringLiteral("ListNames"));
+    whenAnswered(m_bus, names, this, [this](const QDBusMessage& answer) {
+        const QStringList onBus = QDBusReply<QStringList>(answer).value();
+        for (const QString& name : dockNames) {
+            if (onBus.contains(name)) {
+                setShown(true);
+                return;
+            }
+        }
+        if (!onBus.contains(QStringLiteral("org.gnome.Shell"))) {
+            setShown(false);
             return;
         }
-    }
-    if (!bus->isServiceRegistered(QStringLiteral("org.gnome.Shell"))) {
-        setShown(false);
-        return;
-    }
-    // Said once the extensions answer: no flicker to "not shown" before.
-    auto pending = std::make_shared<int>(int(gnomeDocks.size()));
-    auto found = std::make_shared<bool>(false);
-    for (const QString& uuid : gnomeDocks) {
-        QDBusMessage info = QDBusMessage::createMethodCall(
-            QStringLiteral("org.gnome.Shell"), QStringLiteral("/org/gnome/Shell"),
-            QStringLiteral("org.gnome.Shell.Extensions"), QStringLiteral("GetExtensionInfo"));
-        info << uuid;
-        auto* call = new QDBusPendingCallWatcher(m_bus.asyncCall(info), this);
-        connect(call, &QDBusPendingCallWatcher::finished, this,
-                [this, pending, found](QDBusPendingCallWatcher* call) {
-                    call->deleteLater();
-                    const QDBusPendingReply<QVariantMap> reply = *call;
-                    if (!reply.isError() &&
-                        reply.value().value(QStringLiteral("state")).toDouble() == gnomeExtensionEnabled)
-                        *found = true;
-                    if (--*pending == 0)
-                        setShown(*found);
-                });
-    }
+        // Said once the extensions answer: no flicker to "not shown" before.
+        auto pending = std::make_shared<int>(int(gnomeDocks.size()));
+        auto found = std::make_shared<bool>(false);
+        for (const QString& uuid : gnomeDocks) {
+            QDBusMessage info = QDBusMessage::createMethodCall(
+                QStringLiteral("org.gnome.Shell"), QStringLiteral("/org/gnome/Shell"),
+                QStringLiteral("org.gnome.Shell.Extensions"), QStringLiteral("GetExtensionInfo"));
+            info << uuid;
+            whenAnswered(m_bus, info, this, [this, pending, found](const QDBusMessage& answer) {
+                const QDBusReply<QVariantMap> reply(answer);
+                if (reply.isValid() &&
+                    reply.value().value(QStringLiteral("state")).toDouble() == gnomeExtensionEnabled)
+                    *found = true;
+                if (--*pending == 0)
+                    setShown(*found);
+            });
+        }
+    });
 }
 
 void LauncherBadge::setShown(bool shown)

@@ -1,10 +1,11 @@
 #include "PortalShortcuts.h"
 
+#include "DBusAnswer.h"
+
 #include <QDBusArgument>
 #include <QDBusMessage>
 #include <QDBusMetaType>
-#include <QDBusPendingCallWatcher>
-#include <QDBusPendingReply>
+#include <QDBusReply>
 
 namespace Kestro {
 
@@ -106,35 +107,36 @@ void PortalShortcuts::request(const QString& method, QList<QVariant> arguments, 
                                        : QStringLiteral("the desktop did not complete %1").arg(method));
         },
         this);
+    // Listening (or no longer) for the Response of the request at `path`.
+    const auto listen = [this, pending](const QString& path, bool on) {
+        const QString request = QStringLiteral("org.freedesktop.portal.Request");
+        const QString response = QStringLiteral("Response");
+        if (on)
+            m_bus.connect(portalService, path, request, response, pending, SLOT(response(uint, QVariantMap)));
+        else
+            m_bus.disconnect(portalService, path, request, response, pending,
+                             SLOT(response(uint, QVariantMap)));
+    };
     const QString path = requestPath(token);
-    m_bus.connect(portalService, path, QStringLiteral("org.freedesktop.portal.Request"),
-                  QStringLiteral("Response"), pending, SLOT(response(uint, QVariantMap)));
+    listen(path, true);
     QDBusMessage call = QDBusMessage::createMethodCall(portalService, portalPath, shortcutsInterface, method);
     call.setArguments(arguments);
-    auto* watcher = new QDBusPendingCallWatcher(m_bus.asyncCall(call), this);
-    connect(watcher, &QDBusPendingCallWatcher::finished, this,
-            [this, pending, path](QDBusPendingCallWatcher* w) {
-                w->deleteLater();
-                const QDBusPendingReply<QDBusObjectPath> reply = *w;
-                if (!reply.isError() && reply.value().path() != path) {
-                    // An older portal names the request its own way: listen there.
-                    m_bus.disconnect(portalService, path, QStringLiteral("org.freedesktop.portal.Request"),
-                                     QStringLiteral("Response"), pending, SLOT(response(uint, QVariantMap)));
-                    m_bus.connect(portalService, reply.value().path(),
-                                  QStringLiteral("org.freedesktop.portal.Request"), QStringLiteral("Response"),
-                                  pending, SLOT(response(uint, QVariantMap)));
-                }
-                if (reply.isError()) {
-                    m_bus.disconnect(portalService, path, QStringLiteral("org.freedesktop.portal.Request"),
-                                     QStringLiteral("Response"), pending, SLOT(response(uint, QVariantMap)));
-                    pending->deleteLater();
-                    emit refused(reply.error().type() == QDBusError::ServiceUnknown ||
-                                         reply.error().type() == QDBusError::UnknownInterface ||
-                                         reply.error().type() == QDBusError::UnknownMethod
-                                     ? QStringLiteral("the desktop offers no global shortcuts")
-                                     : reply.error().message());
-                }
-            });
+    whenAnswered(m_bus, call, this, [this, pending, path, listen](const QDBusMessage& answer) {
+        const QDBusReply<QDBusObjectPath> reply(answer);
+        if (!reply.isValid()) {
+            listen(path, false);
+            pending->deleteLater();
+            const QDBusError::ErrorType type = reply.error().type();
+            emit refused(type == QDBusError::ServiceUnknown || type == QDBusError::UnknownInterface ||
+                                 type == QDBusError::UnknownMethod
+                             ? QStringLiteral("the desktop offers no global shortcuts")
+                             : reply.error().message());
+        } else if (reply.value().path() != path) {
+            // An older portal names the request its own way: listen there.
+            listen(path, false);
+            listen(reply.value().path(), true);
+        }
+    });
 }
 
 void PortalShortcuts::bind(const QString& id, const QString& description, const QString& trigger)

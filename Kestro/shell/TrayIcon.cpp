@@ -1,8 +1,9 @@
 #include "TrayIcon.h"
 
+#include "DBusAnswer.h"
+
 #include <QDBusMessage>
-#include <QDBusPendingCallWatcher>
-#include <QDBusPendingReply>
+#include <QDBusReply>
 #include <QDBusServiceWatcher>
 #include <QDBusVariant>
 #include <QGuiApplication>
@@ -90,11 +91,9 @@ void TrayIcon::lookForHost()
         watcherService, QStringLiteral("/StatusNotifierWatcher"),
         QStringLiteral("org.freedesktop.DBus.Properties"), QStringLiteral("Get"));
     get << QString(watcherService) << QStringLiteral("IsStatusNotifierHostRegistered");
-    auto* call = new QDBusPendingCallWatcher(m_bus.asyncCall(get), this);
-    connect(call, &QDBusPendingCallWatcher::finished, this, [this](QDBusPendingCallWatcher* call) {
-        call->deleteLater();
-        const QDBusPendingReply<QDBusVariant> reply = *call;
-        if (!reply.isError() && reply.value().variant().toBool())
+    whenAnswered(m_bus, get, this, [this](const QDBusMessage& answer) {
+        const QDBusReply<QDBusVariant> reply(answer);
+        if (reply.isValid() && reply.value().variant().toBool())
             show();
     });
 }

@@ -30,7 +30,6 @@ public:
     ~TrayIcon() override;
 
     bool isShown() const { return m_icon != nullptr; }
-    int count() const { return m_count; }
     void setCount(int count);
 
 signals:

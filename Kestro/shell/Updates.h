@@ -46,7 +46,6 @@ public:
     QString notes() const { return m_offer ? m_offer->description : QString(); }
     bool offering() const { return m_offer.has_value(); }
     QString offeredVersion() const { return m_offer ? m_offer->displayVersion() : QString(); }
-    std::optional<AppcastRelease> offer() const { return m_offer; }
 
     // The user asked: the outcome is shown whatever it is.
     Q_INVOKABLE void checkNow();
