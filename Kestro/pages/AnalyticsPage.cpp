@@ -457,7 +457,9 @@ QString AnalyticsPage::chooseDays(const QString& from, const QString& to)
     const QDate first = QDate::fromString(from.trimmed(), Qt::ISODate);
     const QDate last = QDate::fromString(to.trimmed(), Qt::ISODate);
     if (!first.isValid() || !last.isValid())
-        return QStringLiteral("Write both days as year, month and day, like 2026-11-02.");
+        return QStringLiteral(
+            "Write both days as year, month and day, like 2026-11-02: one of them could not "
+            "be read as a day.");
     if (first > last)
         return QStringLiteral(
             "The first day comes after the last. Choose a first day on or before the last.");

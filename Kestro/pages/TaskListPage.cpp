@@ -494,6 +494,8 @@ void TaskListPage::moveAnyway()
     emit moveChanged();
     m_moves.insert(move.id, move);
     show();
+    // The button that asked goes with the sentence: the keyboard goes to the card.
+    emit cardMoved(move.id);
     send(std::move(move));
 }
 
@@ -533,6 +535,7 @@ QCoro::Task<> TaskListPage::runChain(QString id)
         m_chains.remove(id);
         m_moves.remove(id);
         show();
+        emit cardMoved(id); // back in its place, with the keyboard on it
         m_moveError = failure;
         // "Move anyway" only where the board was up to date and a teammate
         // waits for answers: the refusal was about its questions.

@@ -116,7 +116,8 @@ signals:
     void creatingChanged();
     void draggingChanged();
     void moveChanged();
-    // A card was moved and is shown in its new place (the keyboard goes there).
+    // A card is shown in its new place, or back in its old one after a
+    // refusal (the keyboard goes there).
     void cardMoved(const QString& id);
 
 protected:

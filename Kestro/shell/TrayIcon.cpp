@@ -7,6 +7,7 @@
 #include <QDBusServiceWatcher>
 #include <QDBusVariant>
 #include <QGuiApplication>
+#include <QHash>
 #include <QIcon>
 #include <QPainter>
 #include <QPainterPath>
@@ -22,13 +23,28 @@ namespace {
 
 constexpr QLatin1StringView watcherService("org.kde.StatusNotifierWatcher");
 
+// The app's icon at one size, drawn from its SVG once.
+const QImage& plainIcon(int size)
+{
+    static QHash<int, QImage> drawn;
+    auto at = drawn.find(size);
+    if (at == drawn.end()) {
+        QImage image(size, size, QImage::Format_ARGB32_Premultiplied);
+        image.fill(Qt::transparent);
+        QPainter painter(&image);
+        painter.setRenderHint(QPainter::Antialiasing);
+        QSvgRenderer(QStringLiteral(":/Kestro/assets/kestro.svg")).render(&painter, QRectF(0, 0, size, size));
+        painter.end();
+        at = drawn.insert(size, image);
+    }
+    return *at;
+}
+
 QImage drawIcon(int size, int count)
 {
-    QImage image(size, size, QImage::Format_ARGB32_Premultiplied);
-    image.fill(Qt::transparent);
+    QImage image = plainIcon(size);
     QPainter painter(&image);
     painter.setRenderHint(QPainter::Antialiasing);
-    QSvgRenderer(QStringLiteral(":/Kestro/assets/kestro.svg")).render(&painter, QRectF(0, 0, size, size));
     if (count > 0) {
         // The count in a red disc at the top right, as launchers draw it.
         const QString text = count > 99 ? QStringLiteral("99+") : QString::number(count);

@@ -55,7 +55,7 @@ void Updates::checkNow()
         // The daily check is on its way: its outcome is now the user's.
         if (!m_asked) {
             m_asked = true;
-            show(QStringLiteral("Checking for Updates…"),
+            show(Outcome::Checking, QStringLiteral("Checking for Updates…"),
                  QStringLiteral("Kestro is asking the update server for its newest release."));
         }
         return;
@@ -71,7 +71,7 @@ QCoro::Task<> Updates::check(bool asked)
     if (asked) {
         // The one who asked sees it working; closing this lets it finish
         // quietly. An offer already found stays until the answer says more.
-        show(QStringLiteral("Checking for Updates…"),
+        show(Outcome::Checking, QStringLiteral("Checking for Updates…"),
              QStringLiteral("Kestro is asking the update server for its newest release."));
     } else {
         emit changed();
@@ -111,7 +111,7 @@ QCoro::Task<> Updates::check(bool asked)
     if (!failure.isEmpty()) {
         // A check nobody asked for fails quietly and is tried again later.
         if (asked)
-            show(QStringLiteral("Kestro could not check for updates."), failure);
+            show(Outcome::Failed, QStringLiteral("Kestro could not check for updates."), failure);
         else
             emit changed();
         co_return;
@@ -121,7 +121,7 @@ QCoro::Task<> Updates::check(bool asked)
     if (m_offer && asked)
         showOffer();
     else if (asked)
-        show(QStringLiteral("You're up to date."),
+        show(Outcome::Current, QStringLiteral("You're up to date."),
              QStringLiteral("Kestro %1 is the newest version available.").arg(m_current));
     else
         emit changed();
@@ -130,12 +130,13 @@ QCoro::Task<> Updates::check(bool asked)
 void Updates::showOffer()
 {
     if (m_offer)
-        show(QStringLiteral("Kestro %1 is available.").arg(m_offer->displayVersion()),
+        show(Outcome::Offer, QStringLiteral("Kestro %1 is available.").arg(m_offer->displayVersion()),
              QStringLiteral("You have Kestro %1. Its download page opens in your browser.").arg(m_current));
 }
 
-void Updates::show(QString heading, QString detail)
+void Updates::show(Outcome outcome, QString heading, QString detail)
 {
+    m_outcome = outcome;
     m_heading = std::move(heading);
     m_detail = std::move(detail);
     m_showing = true;

@@ -31,8 +31,14 @@ class Updates : public QObject {
     // A newer release was found; a check nobody asked for offers it
     // quietly (the sidebar shows it) rather than in a dialog.
     Q_PROPERTY(bool offering READ offering NOTIFY changed)
+    // What the dialog shows: the check at work, a release, "up to date" or
+    // a failure (an older offer may still stand beside a failure).
+    Q_PROPERTY(Outcome outcome READ outcome NOTIFY changed)
     Q_PROPERTY(QString offeredVersion READ offeredVersion NOTIFY changed)
 public:
+    enum class Outcome { Checking, Offer, Current, Failed };
+    Q_ENUM(Outcome)
+
     // The settings key of the last check's date.
     static constexpr QLatin1StringView checkedAtKey{"kestro:update-checked-at"};
 
@@ -45,6 +51,7 @@ public:
     QString detail() const { return m_detail; }
     QString notes() const { return m_offer ? m_offer->description : QString(); }
     bool offering() const { return m_offer.has_value(); }
+    Outcome outcome() const { return m_outcome; }
     QString offeredVersion() const { return m_offer ? m_offer->displayVersion() : QString(); }
 
     // The user asked: the outcome is shown whatever it is.
@@ -75,7 +82,7 @@ signals:
     void changed();
 
 private:
-    void show(QString heading, QString detail);
+    void show(Outcome outcome, QString heading, QString detail);
 
     QUrl m_feed;
     QString m_current;
@@ -87,6 +94,7 @@ private:
     bool m_checking = false;
     bool m_asked = false; // the running check was asked for, and is watched
     bool m_showing = false;
+    Outcome m_outcome = Outcome::Current;
     QString m_heading;
     QString m_detail;
     std::optional<AppcastRelease> m_offer;

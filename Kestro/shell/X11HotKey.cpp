@@ -113,9 +113,12 @@ bool X11HotKey::nativeEventFilter(const QByteArray& eventType, void* message, qi
     const uint16_t held = key->state & 0xff & ~m_grab->locks;
     if (held != m_grab->modifiers)
         return false;
+    // Qt goes on to take the press's time (it finds no window of its own
+    // for the root and drops it), so the window raised after it asks the
+    // window manager with a fresh timestamp and is not refused as stale.
     if (type == XCB_KEY_PRESS)
-        emit pressed();
-    return true;
+        QMetaObject::invokeMethod(this, &X11HotKey::pressed, Qt::QueuedConnection);
+    return false;
 }
 
 } // namespace Kestro

@@ -49,6 +49,14 @@ Item {
         title: "No sites yet"
         text: "Add your web site in the service's analytics settings; its visits show here from the first one on."
     }
+    PrimaryButton {
+        objectName: "openSettings"
+        anchors.horizontalCenter: parent.horizontalCenter
+        y: page.height / 2 + 70
+        visible: analytics.loader.state === Loaded.Content && !analytics.hasSites
+        text: "Open Settings"
+        onClicked: analytics.open("/settings")
+    }
 
     Flickable {
         id: flick

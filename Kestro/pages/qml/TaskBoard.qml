@@ -30,7 +30,8 @@ Item {
             spacing: 12
             Repeater {
                 id: columns
-                model: board.tasks.columns
+                // Hidden (the list shows), the board makes no cards.
+                model: board.visible ? board.tasks.columns : []
                 delegate: TaskBoardColumn {
                     id: lane
                     height: lanes.height
@@ -45,6 +46,24 @@ Item {
     Item {
         id: layer
         anchors.fill: parent
+    }
+    // A card carried to the board's edge scrolls it that way, so every
+    // column can be reached by drag. Runs only while a card is dragged.
+    Timer {
+        interval: 30
+        repeat: true
+        running: board.visible && board.tasks.dragging
+        onTriggered: {
+            const card = layer.children.length > 0 ? layer.children[0] : null
+            if (!card)
+                return
+            const middle = card.x + card.width / 2
+            const edge = 80
+            if (middle < edge)
+                scroller.contentX = Math.max(0, scroller.contentX - 14)
+            else if (middle > board.width - edge)
+                scroller.contentX = Math.min(scroller.contentWidth - scroller.width, scroller.contentX + 14)
+        }
     }
 
     // Scrolls sideways so the column (and the keyboard's card in it) shows.

@@ -129,7 +129,8 @@ Item {
         anchors.topMargin: 72
         visible: listModel.loader.state === Loaded.Content && !listModel.board
         clip: true
-        model: listModel.rows
+        // Hidden (the board shows), the list makes no rows.
+        model: listModel.board ? null : listModel.rows
         boundsBehavior: Flickable.StopAtBounds
         bottomMargin: 40
         ScrollBar.vertical: ScrollBar {}

@@ -19,7 +19,8 @@ Popup {
     padding: 20
     closePolicy: Popup.CloseOnEscape | Popup.CloseOnPressOutside
     onClosed: if (updates.showing) updates.dismiss()
-    onOpened: (updates.offering ? download : ok).forceActiveFocus()
+    readonly property bool offer: updates.outcome === Updates.Offer
+    onOpened: (offer ? download : ok).forceActiveFocus()
     // Follows the check: a binding on `visible` would end at the first
     // Escape, and the next outcome would not show.
     Connections {
@@ -49,10 +50,10 @@ Popup {
             }
             Icon {
                 visible: !dialog.updates.checking
-                name: dialog.updates.offering ? "sparkles"
-                      : dialog.updates.heading === "You're up to date." ? "circle-check" : "circle-alert"
+                name: dialog.offer ? "sparkles"
+                      : dialog.updates.outcome === Updates.Current ? "circle-check" : "circle-alert"
                 size: 20
-                color: dialog.updates.offering || dialog.updates.heading === "You're up to date." ? Theme.accent : Theme.danger
+                color: dialog.updates.outcome === Updates.Failed ? Theme.danger : Theme.accent
             }
             Text {
                 Layout.fillWidth: true
@@ -76,7 +77,7 @@ Popup {
         }
         Text {
             Layout.fillWidth: true
-            visible: dialog.updates.notes.length > 0
+            visible: dialog.offer && dialog.updates.notes.length > 0
             text: dialog.updates.notes
             textFormat: Text.PlainText
             wrapMode: Text.Wrap
@@ -90,13 +91,13 @@ Popup {
             spacing: 8
             PrimaryButton {
                 id: ok
-                quiet: dialog.updates.offering
-                text: dialog.updates.offering ? "Later" : dialog.updates.checking ? "Cancel" : "OK"
+                quiet: dialog.offer
+                text: dialog.offer ? "Later" : dialog.updates.checking ? "Cancel" : "OK"
                 onClicked: dialog.updates.dismiss()
             }
             PrimaryButton {
                 id: download
-                visible: dialog.updates.offering
+                visible: dialog.offer
                 text: "Open Download Page"
                 onClicked: dialog.updates.openDownloadPage()
             }

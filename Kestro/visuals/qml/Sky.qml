@@ -15,7 +15,9 @@ SkySurface {
     framesPerSecond: SkyPolicy.framesPerSecond
     stopped: Window.visibility === Window.Minimized || Window.visibility === Window.Hidden
              || (SkyPolicy.calm && !sky.view.blending)
-    // The first sky in a window asks what draws it.
+    // The first sky in a window asks what draws it: made inside a shown
+    // window, it has its host from the start, and no change tells of it.
     readonly property var host: Window.window
     onHostChanged: SkyPolicy.learnFrom(host)
+    Component.onCompleted: SkyPolicy.learnFrom(host)
 }
