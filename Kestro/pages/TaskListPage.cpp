@@ -513,10 +513,13 @@ void TaskListPage::send(Move move)
     // One task's moves go one after another, each with the version the
     // one before it leaves: sent together, the later could arrive first,
     // or carry a version the earlier has already spent.
+    const bool wasMoving = moving();
     Chain& chain = m_chains[move.id];
     chain.waiting.append(std::move(move));
     if (!chain.running)
         runChain(chain.waiting.first().id);
+    if (!wasMoving)
+        emit moveChanged();
 }
 
 QCoro::Task<> TaskListPage::runChain(QString id)
@@ -550,6 +553,7 @@ QCoro::Task<> TaskListPage::runChain(QString id)
         co_return;
     }
     m_chains.remove(id);
+    emit moveChanged();
     reloadAfterAction();
 }
 

@@ -48,6 +48,8 @@ class TaskListPage : public Kestro::PageModel {
     // While a card is dragged, reloads wait (the columns must hold still).
     Q_PROPERTY(bool dragging READ dragging WRITE setDragging NOTIFY draggingChanged)
     Q_PROPERTY(QString moveError READ moveError NOTIFY moveChanged)
+    // A move is on its way to the service (its answer is still to come).
+    Q_PROPERTY(bool moving READ moving NOTIFY moveChanged)
     // The refused move can be made anyway, letting the teammate's questions go.
     Q_PROPERTY(bool canMoveAnyway READ canMoveAnyway NOTIFY moveChanged)
     Q_PROPERTY(bool creating READ creating NOTIFY creatingChanged)
@@ -80,6 +82,7 @@ public:
     bool dragging() const { return m_dragging; }
     void setDragging(bool dragging);
     QString moveError() const { return m_moveError; }
+    bool moving() const { return !m_chains.isEmpty(); }
     bool canMoveAnyway() const { return m_retry.has_value(); }
 
     // The filters, as a new address: typed words replace the current one,
